@@ -1,0 +1,60 @@
+// The two planes of the screen image: pixels that programs plot, and character cells drawn over them.
+// The display is turned a quarter turn against the frame buffer: a frame-buffer line is a screen column
+// and pixel 0 of a line is at the bottom, so screen (x, y) is index x * line_length + (line_length - 1 - y).
+#pragma once
+
+#include <cstdint>
+
+// A cell:  31-16 colour (RGB565) | 15-10 zero | 9 changed | 8 cursor | 7-0 character
+// Character 0 is an empty cell, which ends a logical line; a space (0x20) belongs to it.
+constexpr std::uint32_t cell_character_mask = 0x000000FF;
+constexpr std::uint32_t cell_cursor = 0x00000100;
+constexpr std::uint32_t cell_changed = 0x00000200;
+constexpr std::uint32_t cell_colour_mask = 0xFFFF0000;
+constexpr std::uint32_t cell_cleared = 0xFFFF0200;  // white, changed, empty
+
+constexpr int glyph_width = 8;
+constexpr int glyph_height = 16;
+
+class c_graphic_layer {
+public:
+    ~c_graphic_layer() { release(); }
+    void release();
+    // Allocates and blacks out height * width pixels; false when the memory cannot be had.
+    bool allocate(int line_length, int line_count);
+    int pixel_index(int x, int y) const { return x * height + (height - 1 - y); }
+
+    int height = 0;                    // pixels in one frame-buffer line: the visible height
+    int width = 0;                     // frame-buffer lines: the visible width
+    std::uint16_t* pixels = nullptr;   // height * width pixels in the frame-buffer layout
+};
+
+class c_text_layer {
+public:
+    ~c_text_layer() { release(); }
+    // Sizes the grid for the screen and clears it; false when the memory cannot be had.
+    bool allocate(int screen_height, int screen_width, int line_step, c_graphic_layer* graphic_layer);
+    void release();
+
+    void clear();
+    void draw(std::uint16_t* frame_buffer);    // every cell
+    void update(std::uint16_t* frame_buffer);  // only changed cells
+    void scroll_up();
+    bool insert(int x, int y, std::uint32_t cell);  // true when the grid had to scroll up
+    void delete_char(int x, int y);
+
+    std::uint32_t& at(int x, int y) { return cells[y * columns + x]; }
+    std::uint32_t at(int x, int y) const { return cells[y * columns + x]; }
+    int cell_count() const { return columns * rows; }  // the extra empty cell is not counted
+
+    int columns = 0;
+    int rows = 0;
+    int height = 0;
+    int width = 0;
+    int pitch = 0;                     // pixels from one frame-buffer line to the next
+    std::uint32_t* cells = nullptr;    // columns * rows + 1; the last one always empty
+    c_graphic_layer* p_graphic_layer = nullptr;
+
+private:
+    void draw_cell(int index, std::uint16_t* frame_buffer);
+};

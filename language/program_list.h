@@ -1,0 +1,29 @@
+// The stored program: numbered lines in ascending order, each record holding its code and source.
+// The list owns its records; every record's code holds references that are given back when it goes.
+#pragma once
+
+#include "language/code.h"
+
+struct c_system_resource;
+class c_parser;
+
+class c_program_list {
+public:
+    c_program_list() = default;
+    c_program_list(const c_program_list&) = delete;
+    c_program_list& operator=(const c_program_list&) = delete;
+    ~c_program_list();
+
+    // Stores, replaces or deletes the line numbered by parser->line_number; 22 "Out of memory"
+    // leaves the line absent; a failed translation stores the source with no code.
+    void add(c_parser* parser, const char* text);
+    void renumber(int start, int step);
+    void clear();
+    int save(const char* name);                       // 1, or 0 with 11 "Device I/O error"
+    int load(const char* name, int start, int step);  // 1, or 0 with the error set
+    void list(int from, int to);
+
+    c_program_line* first = nullptr;
+    c_program_line* current = nullptr;
+    c_system_resource* p_system_resource = nullptr;
+};

@@ -1,0 +1,97 @@
+// An engine behind a test host: no window, no thread. Keys go straight to the editor, as the key loop
+// hands them over, and the grid is read back as text.
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "engine/vexil.h"
+
+struct c_test_host : c_vexil_callback {
+    void sleep(unsigned int ms) override { slept_ms += ms; }
+    void lock() override { mutex.lock(); }
+    void unlock() override { mutex.unlock(); }
+    void update_screen() override { ++screen_updates; }
+    void update_text() override { ++text_updates; }
+    void error_reported(int code, int) override { last_error = code; }
+    void waiting_for_key() override
+    {
+        if (quit_when_idle)
+            p_engine->quit();
+    }
+
+    unsigned long slept_ms = 0;
+    int screen_updates = 0;
+    int text_updates = 0;
+    int last_error = 0;
+    bool quit_when_idle = true;
+    c_vexil* p_engine = nullptr;
+    std::mutex mutex;
+};
+
+class test_console {
+public:
+    explicit test_console(int width = 640, int height = 480)
+    {
+        engine.screen_width = width;
+        engine.screen_height = height;
+        engine.line_step = height * 2;
+        host.p_engine = &engine;
+        engine.initialize(&host);
+        engine.text_editor.clear_screen();
+    }
+
+    // One key, handled at once as the key loop would.
+    void key(int code) { engine.text_editor.key(code); }
+    void type(const std::string& keys)
+    {
+        for (unsigned char c : keys)
+            key(c);
+    }
+    // A line typed and entered.
+    void enter(const std::string& line)
+    {
+        type(line);
+        key(13);
+    }
+    // Keys left waiting in the ring, for inkey and for the key loop.
+    void queue(const std::string& keys)
+    {
+        for (unsigned char c : keys)
+            engine.key(c);
+    }
+    // The engine's own start: loads and runs the program, then handles queued keys until none is left.
+    void start(const char* program_name) { engine.run(program_name); }
+
+    // A row as text: empty cells are spaces, trailing blanks dropped.
+    std::string row(int y) const
+    {
+        std::string text;
+        for (int x = 0; x < engine.columns(); ++x) {
+            int c = engine.cell(x, y) & 0xFF;
+            text += c == 0 ? ' ' : static_cast<char>(c);
+        }
+        text.erase(text.find_last_not_of(' ') + 1);
+        return text;
+    }
+    // Every row down to the last that holds text, one line each.
+    std::string screen() const
+    {
+        std::vector<std::string> lines;
+        for (int y = 0; y < engine.rows(); ++y)
+            lines.push_back(row(y));
+        while (!lines.empty() && lines.back().empty())
+            lines.pop_back();
+        std::string text;
+        for (const auto& line : lines)
+            text += line + "\n";
+        return text;
+    }
+    int cursor_x() const { return engine.text_editor.cursor_x; }
+    int cursor_y() const { return engine.text_editor.cursor_y; }
+    c_system_resource* resource() { return &engine.system_resource; }
+
+    c_test_host host;
+    c_vexil engine;
+};
