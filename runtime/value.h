@@ -123,7 +123,8 @@ public:
 
 class c_value {
 public:
-    c_value() = default;
+    // User-provided, so that even `c_value v{};` leaves the 256 text bytes unwritten.
+    c_value() {}
     c_value(const c_value&) = delete;
     c_value& operator=(const c_value&) = delete;
 

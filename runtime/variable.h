@@ -130,10 +130,17 @@ public:
     c_variable label_list;
 
 private:
+    c_variable* head_of(unsigned char kind);
+    static c_variable* create(unsigned char kind);
+    [[nodiscard]] bool grow();
     [[nodiscard]] bool enrol(c_variable* variable);  // gives it a free id
     void retire(c_variable* variable);               // frees its id and deletes it
 
+    // Id 0 is never handed out, so zeroed code names no variable. Ids below issued_count are either
+    // in use or on the stack of free ids, which has room for every slot.
     c_variable** slots = nullptr;
+    std::uint32_t* free_ids = nullptr;
     std::uint32_t slot_count = 0;
-    std::uint32_t free_slot = 0;   // head of the chain of free ids, kept inside the unused slots
+    std::uint32_t issued_count = 0;
+    std::uint32_t free_count = 0;
 };
