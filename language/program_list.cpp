@@ -1,0 +1,232 @@
+// The stored program: records in strictly ascending line-number order, each owning one block with its
+// code followed by its source. A record's code references are given back before its code is replaced
+// or the record freed, and with them the labels it defines. A line whose translation failed keeps
+// its source and has no code (null, length 0), so no jump can land in it.
+#include "language/program_list.h"
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "console/text_editor.h"
+#include "engine/error.h"
+#include "engine/system_resource.h"
+#include "language/parser.h"
+#include "runtime/variable.h"
+
+namespace {
+
+constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
+constexpr int file_line_size = 256;     // a file line of at most 255 characters and its terminator
+
+// Copies the workspace's code and source into one new block; false when the block cannot be had,
+// with the record unchanged.
+bool fill(c_program_line* line, const c_parser* parser)
+{
+    int code_length = parser->code_length;
+    std::size_t source_length = std::strlen(parser->source);
+    std::unique_ptr<unsigned char[]> block(new (std::nothrow) unsigned char[code_length + source_length + 1]);
+    if (block == nullptr)
+        return false;
+    std::memcpy(block.get(), parser->code, code_length);
+    std::memcpy(block.get() + code_length, parser->source, source_length + 1);
+    line->block = std::move(block);
+    line->number = parser->line_number;
+    line->code = code_length != 0 ? line->block.get() : nullptr;
+    line->source = reinterpret_cast<char*>(line->block.get() + code_length);
+    line->code_length = code_length;
+    return true;
+}
+
+// Fills the record from the workspace. When the block cannot be had, the new code's references go
+// back (with the labels it bound to this record) and 22 "Out of memory" is recorded.
+bool store(c_program_line* line, const c_parser* parser, c_system_resource* res)
+{
+    if (fill(line, parser))
+        return true;
+    res->p_variable_manager->line_release(parser->code, parser->code_length, line);
+    res->error_code.raise(error_out_of_memory);
+    return false;
+}
+
+// Links the record in after `before`, or at the front when that is null.
+void insert(c_program_list& program, c_program_line* line, c_program_line* before)
+{
+    line->prev = before;
+    line->next = before != nullptr ? before->next : program.first;
+    if (line->next != nullptr)
+        line->next->prev = line;
+    if (before != nullptr)
+        before->next = line;
+    else
+        program.first = line;
+}
+
+// Unlinks and frees a record whose references are already given back.
+void remove(c_program_list& program, c_program_line* line)
+{
+    if (program.first == line)
+        program.first = line->next;
+    if (program.current == line)
+        program.current = nullptr;
+    line->reject();
+    delete line;
+}
+
+// The old code's references go back before the new text is translated, so a variable that only
+// this line named starts afresh: re-entering "10 i=i+1" counts from 0 again. Blank text deletes.
+void replace(c_program_list& program, c_program_line* line, c_parser* parser, const char* text)
+{
+    c_system_resource* res = program.p_system_resource;
+    res->p_variable_manager->line_release(line->code, line->code_length, line);
+    line->code = nullptr;
+    line->code_length = 0;
+    if (parser->precompile(text, line) == -1 || !store(line, parser, res))
+        remove(program, line);
+}
+
+// A new line goes in after `before`; blank text for a line that does not exist changes nothing.
+void add_new(c_program_list& program, c_program_line* before, c_parser* parser, const char* text)
+{
+    c_system_resource* res = program.p_system_resource;
+    auto* line = new (std::nothrow) c_program_line;
+    if (line == nullptr) {
+        res->error_code.raise(error_out_of_memory);
+        return;
+    }
+    if (parser->precompile(text, line) == -1 || !store(line, parser, res)) {
+        delete line;
+        return;
+    }
+    insert(program, line, before);
+}
+
+// Sets the workspace's line number through the same check that typed numbers pass.
+bool number_line(c_parser& parser, long long number, c_system_resource* res)
+{
+    if (number < 1 || number > max_line_number) {
+        res->error_code = error_illegal_line_number;
+        return false;
+    }
+    char text[16];
+    std::snprintf(text, sizeof text, "%d", static_cast<int>(number));
+    const char* cursor = text;
+    parser.check_line_no(cursor);
+    return res->error_code == error_none;
+}
+
+void cut_at_line_end(char* text)
+{
+    text[std::strcspn(text, "\r\n")] = '\0';
+}
+
+}  // namespace
+
+c_program_list::~c_program_list()
+{
+    // The engine clears the program while the variables still live; anything left goes without them.
+    while (first != nullptr) {
+        c_program_line* next = first->next;
+        delete first;
+        first = next;
+    }
+}
+
+void c_program_list::add(c_parser* parser, const char* text)
+{
+    if (*text == ' ')
+        ++text;
+    c_program_line* before = nullptr;
+    c_program_line* line = first;
+    while (line != nullptr && line->number < parser->line_number) {
+        before = line;
+        line = line->next;
+    }
+    if (line != nullptr && line->number == parser->line_number)
+        replace(*this, line, parser, text);
+    else
+        add_new(*this, before, parser, text);
+}
+
+void c_program_list::renumber(int start, int step)
+{
+    int number = start;
+    for (c_program_line* line = first; line != nullptr; line = line->next) {
+        line->number = number;
+        number = static_cast<int>(static_cast<unsigned>(number) + static_cast<unsigned>(step));
+    }
+}
+
+void c_program_list::clear()
+{
+    c_variable_manager* variables = p_system_resource->p_variable_manager;
+    while (first != nullptr) {
+        c_program_line* line = first;
+        first = line->next;
+        variables->line_release(line->code, line->code_length, line);
+        delete line;
+    }
+    current = nullptr;
+}
+
+int c_program_list::save(const char* name)
+{
+    std::FILE* file = std::fopen(name, "wb");
+    if (file == nullptr) {
+        p_system_resource->error_code.raise(error_device_io);
+        return 0;
+    }
+    for (const c_program_line* line = first; line != nullptr; line = line->next) {
+        std::fputs(line->source, file);
+        std::fputs("\r\n", file);
+    }
+    std::fclose(file);
+    return 1;
+}
+
+// Every file line takes a number, blank ones too, so a file of more lines than the numbers up to 99999
+// can hold stops at the line that would pass 99999, with 3 "Illegal line number": the lines before it
+// stay stored. A number past 99999 could never be typed again, which is why it is refused here.
+int c_program_list::load(const char* name, int start, int step)
+{
+    c_parser parser(p_system_resource);
+    std::FILE* file = std::fopen(name, "rb");
+    if (file == nullptr) {
+        p_system_resource->error_code.raise(error_cannot_open);
+        return 0;
+    }
+    char text[file_line_size];
+    long long number = start;
+    while (std::fgets(text, file_line_size, file) != nullptr) {
+        cut_at_line_end(text);
+        if (!number_line(parser, number, p_system_resource)) {
+            std::fclose(file);
+            return 0;
+        }
+        add(&parser, text);
+        if (p_system_resource->error_code != error_none) {
+            std::fclose(file);
+            return 0;
+        }
+        number += step;
+    }
+    std::fclose(file);
+    current = nullptr;
+    return 1;
+}
+
+void c_program_list::list(int from, int to)
+{
+    c_text_editor* editor = p_system_resource->p_text_editor;
+    for (const c_program_line* line = first; line != nullptr; line = line->next) {
+        if (line->number < from || line->number > to)
+            continue;
+        char number[16];
+        std::snprintf(number, sizeof number, "%d ", line->number);
+        editor->put_str(number);
+        editor->put_str(line->source);
+        editor->put_str("\r\n");
+    }
+}

@@ -1,0 +1,444 @@
+// The statement loop and the statements that steer control, assign and dimension. The loop runs one
+// statement per turn and stops after the first that nulls the cursor or leaves an error; both stacks
+// are empty whenever no run is under way. The channel operations live in runtime/channel.cpp.
+#include "runtime/interpreter.h"
+
+#include "engine/error.h"
+#include "engine/system_resource.h"
+#include "engine/vexil_callback.h"
+#include "language/parser.h"
+#include "runtime/expression.h"
+#include "runtime/value.h"
+#include "runtime/variable.h"
+
+namespace {
+
+void step_over_label(const unsigned char*& p)
+{
+    p += operand_token_size;
+}
+
+void step_over_separator(const unsigned char*& p)
+{
+    ++p;
+}
+
+void run_command(const unsigned char*& p, c_system_resource* res)
+{
+    ++p;
+    auto row = read_operand<std::uint32_t>(p);
+    c_command::command_list[row].handler(p, res);
+}
+
+// A line whose translation failed has no code: reaching it stops the run there with a syntax error.
+void end_of_line(const unsigned char*& p, c_system_resource* res, c_program_list& program)
+{
+    if (program.current != nullptr)
+        program.current = program.current->next;
+    if (program.current == nullptr) {
+        res->executing = false;
+        return;
+    }
+    if (program.current->code == nullptr) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    p = program.current->code;
+}
+
+// Through unsigned: signed overflow is undefined, and the counter wraps.
+int add_wrapping(int a, int b)
+{
+    return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
+}
+
+bool loop_finished(int value, int step, int limit)
+{
+    if (step > 0)
+        return value > limit;
+    if (step < 0)
+        return value < limit;
+    return value != limit;
+}
+
+bool is_statement_end(unsigned char kind)
+{
+    return kind == token_colon || kind == token_end;
+}
+
+// Evaluates one expression at p into value and records a failure; the evaluator's code.
+int evaluate(c_system_resource* res, c_value& value, const unsigned char*& p)
+{
+    c_expression evaluator(res);
+    int code = evaluator.expression(value, p);
+    res->error_code.raise(code);
+    return code;
+}
+
+// Sends the cursor to the label's definition. A label whose line is gone (deleted, replaced, finished
+// as an immediate line) or never translated has no line or no code, and is refused.
+void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable_id id)
+{
+    c_system_resource* res = interpreter.p_system_resource;
+    auto* label = res->p_variable_manager->get<c_variable_label>(id);
+    if (label->line == nullptr || label->line->code == nullptr) {
+        res->error_code.raise(error_invalid_label);
+        return;
+    }
+    p = label->line->code + label->position;
+    interpreter.program_list.current = label->line;
+}
+
+}  // namespace
+
+int c_interpreter::run(c_parser* parser)
+{
+    c_system_resource* res = p_system_resource;
+    const unsigned char* p = parser->code;
+    for_depth = 0;
+    program_list.current = nullptr;
+    res->executing = true;
+    while (res->executing) {
+        switch (*p) {
+        case token_integer_variable:
+            process_ivar(p);
+            break;
+        case token_real_variable:
+            process_rvar(p);
+            break;
+        case token_string_variable:
+            process_svar(p);
+            break;
+        case token_integer_array:
+            process_iarray(p);
+            break;
+        case token_real_array:
+            process_rarray(p);
+            break;
+        case token_string_array:
+            process_sarray(p);
+            break;
+        case token_label:
+            step_over_label(p);
+            break;
+        case token_command:
+            run_command(p, res);
+            break;
+        case token_end:
+            end_of_line(p, res, program_list);
+            break;
+        case token_for:
+            cmd_for(p);
+            break;
+        case token_next:
+            cmd_next(p);
+            break;
+        case token_if:
+            cmd_if(p);
+            break;
+        case token_goto:
+            cmd_goto(p);
+            break;
+        case token_gosub:
+            cmd_gosub(p);
+            break;
+        case token_return:
+            cmd_return(p);
+            break;
+        case token_colon:
+            step_over_separator(p);
+            break;
+        default:
+            res->error_code.raise(error_syntax);
+            break;
+        }
+        if (p == nullptr || res->error_code != error_none)
+            res->executing = false;
+    }
+    parser->variable_release();
+    for_depth = 0;
+    gosub_depth = 0;
+    res->p_callback->update_screen();
+    return program_list.current != nullptr ? program_list.current->number : 0;
+}
+
+void c_interpreter::cmd_goto(const unsigned char*& p)
+{
+    ++p;
+    if (!take_token(p, token_label)) {
+        p_system_resource->error_code.raise(error_illegal_parameter);
+        return;
+    }
+    jump_to_label(p, *this, read_operand<variable_id>(p));
+}
+
+void c_interpreter::cmd_if(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    c_value condition;
+    (void)evaluate(res, condition, p);
+    if (res->error_code != error_none)
+        return;
+    if ((*p != token_then && *p != token_goto) || p[1] != token_label) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    p += 2;
+    auto target = read_operand<variable_id>(p);
+    if (condition.current->get_integer() != 0) {
+        jump_to_label(p, *this, target);
+        return;
+    }
+    // Without an ELSE and its label the line goes on after the IF; a bare ELSE is then a syntax error.
+    if (p[0] == token_else && p[1] == token_label) {
+        p += 2;
+        jump_to_label(p, *this, read_operand<variable_id>(p));
+    }
+}
+
+void c_interpreter::cmd_for(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    if (*p != token_integer_variable) {
+        res->error_code.raise(error_loop_counter);
+        return;
+    }
+    c_variable_integer* counter = process_ivar(p);
+    if (res->error_code != error_none)
+        return;
+    if (!take_token(p, token_to)) {
+        res->error_code.raise(error_illegal_parameter);
+        return;
+    }
+    c_value limit;
+    if (evaluate(res, limit, p) != 0)
+        return;
+    int step = 1;
+    if (take_token(p, token_step)) {
+        c_value step_value;
+        if (evaluate(res, step_value, p) != 0)
+            return;
+        step = step_value.current->get_integer();
+    }
+    // The body runs at least once: FOR never tests its condition.
+    if (for_depth >= for_stack_size) {
+        res->error_code.raise(error_for_overflow);
+        return;
+    }
+    for_stack[for_depth++] = {counter, step, limit.current->get_integer(), program_list.current, p};
+}
+
+// NEXT closes the innermost loop and takes no operand: a name after it runs as the next statement.
+void c_interpreter::cmd_next(const unsigned char*& p)
+{
+    ++p;
+    if (for_depth <= 0) {
+        p_system_resource->error_code.raise(error_next_without_for);
+        return;
+    }
+    const c_for_entry& entry = for_stack[for_depth - 1];
+    entry.counter->value = add_wrapping(entry.counter->value, entry.step);
+    if (loop_finished(entry.counter->value, entry.step, entry.limit)) {
+        --for_depth;
+        return;
+    }
+    p = entry.resume_position;
+    program_list.current = entry.resume_line;
+}
+
+// The jump comes before the depth test, so an overflow is reported at the target line.
+void c_interpreter::cmd_gosub(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    if (!take_token(p, token_label)) {
+        res->error_code.raise(error_illegal_parameter);
+        return;
+    }
+    auto target = read_operand<variable_id>(p);
+    const c_gosub_entry resume = {program_list.current, p};
+    jump_to_label(p, *this, target);
+    if (res->error_code != error_none)
+        return;
+    if (gosub_depth >= gosub_stack_size) {
+        res->error_code.raise(error_gosub_overflow);
+        return;
+    }
+    gosub_stack[gosub_depth++] = resume;
+}
+
+void c_interpreter::cmd_return(const unsigned char*& p)
+{
+    ++p;
+    if (gosub_depth <= 0) {
+        p_system_resource->error_code.raise(error_return_without_gosub);
+        return;
+    }
+    const c_gosub_entry& entry = gosub_stack[--gosub_depth];
+    p = entry.resume_position;
+    program_list.current = entry.resume_line;
+}
+
+// Null when the assignment failed; the variable then keeps its value.
+c_variable_integer* c_interpreter::process_ivar(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    auto* variable = res->p_variable_manager->get<c_variable_integer>(read_operand<variable_id>(p));
+    if (!take_token(p, token_equal)) {
+        res->error_code.raise(error_syntax);
+        return nullptr;
+    }
+    c_value value;
+    if (evaluate(res, value, p) != 0)
+        return nullptr;
+    variable->value = value.current->get_integer();
+    return variable;
+}
+
+void c_interpreter::process_rvar(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    auto* variable = res->p_variable_manager->get<c_variable_real>(read_operand<variable_id>(p));
+    if (!take_token(p, token_equal)) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    c_value value;
+    if (evaluate(res, value, p) != 0)
+        return;
+    variable->value = value.current->get_real();
+}
+
+// A number assigned to a string variable gives the empty string: only a string yields text here.
+void c_interpreter::process_svar(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    auto* variable = res->p_variable_manager->get<c_variable_string>(read_operand<variable_id>(p));
+    if (!take_token(p, token_equal)) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    c_value value;
+    if (evaluate(res, value, p) != 0)
+        return;
+    const char* text;
+    int length;
+    value.current->get_string(text, length);
+    variable->set(text, length);
+}
+
+void c_interpreter::process_iarray(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    auto* array = res->p_variable_manager->get<c_variable_integer_array>(read_operand<variable_id>(p));
+    int indices[max_dimensions];
+    int count = dimension_check(p, indices);
+    if (count == 0 || res->error_code != error_none)
+        return;
+    if (!take_token(p, token_equal)) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    c_value value;
+    if (evaluate(res, value, p) != 0)
+        return;
+    res->error_code.raise(array->set(count, indices, value.current->get_integer()));
+}
+
+void c_interpreter::process_rarray(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    auto* array = res->p_variable_manager->get<c_variable_real_array>(read_operand<variable_id>(p));
+    int indices[max_dimensions];
+    int count = dimension_check(p, indices);
+    if (count == 0 || res->error_code != error_none)
+        return;
+    if (!take_token(p, token_equal)) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    c_value value;
+    if (evaluate(res, value, p) != 0)
+        return;
+    res->error_code.raise(array->set(count, indices, value.current->get_real()));
+}
+
+void c_interpreter::process_sarray(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    ++p;
+    auto* array = res->p_variable_manager->get<c_variable_string_array>(read_operand<variable_id>(p));
+    int indices[max_dimensions];
+    int count = dimension_check(p, indices);
+    if (count == 0 || res->error_code != error_none)
+        return;
+    if (!take_token(p, token_equal)) {
+        res->error_code.raise(error_syntax);
+        return;
+    }
+    c_value value;
+    if (evaluate(res, value, p) != 0)
+        return;
+    const char* text;
+    int length;
+    value.current->get_string(text, length);
+    res->error_code.raise(array->set(count, indices, text, length));
+}
+
+// A comma after the eighth subscript is left for the ")" test, which makes a ninth a syntax error.
+int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
+{
+    c_system_resource* res = p_system_resource;
+    if (!take_token(p, token_open)) {
+        res->error_code.raise(error_syntax);
+        return 0;
+    }
+    int count = 0;
+    do {
+        c_value subscript;  // fresh each time: an empty subscript reads as 0
+        (void)evaluate(res, subscript, p);
+        if (res->error_code != error_none)
+            return 0;
+        indices[count++] = subscript.current->get_integer();
+    } while (count < max_dimensions && take_token(p, token_comma));
+    if (!take_token(p, token_close)) {
+        res->error_code.raise(error_syntax);
+        return 0;
+    }
+    return count;
+}
+
+// The list goes on after a failing array, but dimension_check refuses every array once an error is
+// set, so nothing after the first failure is dimensioned. A trailing comma is accepted.
+void c_interpreter::dimension_alloc(const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    if (is_statement_end(*p))
+        return;
+    do {
+        if (*p < token_integer_array || *p > token_string_array) {
+            res->error_code.raise(error_syntax);
+            return;
+        }
+        ++p;
+        auto* array = res->p_variable_manager->get<c_variable_array>(read_operand<variable_id>(p));
+        int bounds[max_dimensions];
+        int count = dimension_check(p, bounds);
+        if (count != 0 && res->error_code == error_none)
+            res->error_code.raise(array->dim(count, bounds));
+    } while (take_token(p, token_comma) && !is_statement_end(*p));
+    if (!is_statement_end(*p))
+        res->error_code.raise(error_syntax);
+}
+
+void c_interpreter::dimension_free()
+{
+    p_system_resource->p_variable_manager->array_clear();
+}
