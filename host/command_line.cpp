@@ -1,0 +1,126 @@
+// Options come before or after the program file, in any order; a later one overrides an earlier one.
+// "--name=value" and "--name value" are the same, and "--" makes every later argument a file name.
+#include "host/command_line.h"
+
+#include <cstring>
+
+namespace {
+
+// Decimal digits only, no sign, no blanks; false past the largest side.
+bool parse_side(const std::string& text, int& value)
+{
+    if (text.empty() || text.size() > 5)
+        return false;
+    int number = 0;
+    for (char c : text) {
+        if (c < '0' || c > '9')
+            return false;
+        number = number * 10 + (c - '0');
+    }
+    value = number;
+    return true;
+}
+
+// Splits "--name=value" into name and value; plain arguments keep an empty value.
+void split_argument(const char* argument, std::string& name, std::string& value, bool& has_value)
+{
+    const char* equals = std::strchr(argument, '=');
+    has_value = std::strncmp(argument, "--", 2) == 0 && equals != nullptr;
+    name = has_value ? std::string(argument, equals) : std::string(argument);
+    value = has_value ? std::string(equals + 1) : std::string();
+}
+
+bool is_option(const char* argument)
+{
+    return argument[0] == '-' && argument[1] != '\0';
+}
+
+}  // namespace
+
+bool parse_size(const std::string& text, int& width, int& height)
+{
+    std::size_t cross = text.find_first_of("xX");
+    if (cross == std::string::npos)
+        return false;
+    int w = 0;
+    int h = 0;
+    if (!parse_side(text.substr(0, cross), w) || !parse_side(text.substr(cross + 1), h))
+        return false;
+    if (w < min_screen_width || w > max_screen_side || h < min_screen_height || h > max_screen_side)
+        return false;
+    width = w;
+    height = h;
+    return true;
+}
+
+bool parse_command_line(int argc, const char* const* argv, c_options& options, std::string& error)
+{
+    bool options_ended = false;
+    bool have_program = false;
+    for (int index = 1; index < argc; ++index) {
+        const char* argument = argv[index];
+        if (options_ended || !is_option(argument)) {
+            if (have_program) {
+                error = "more than one program file: '" + std::string(argument) + "'";
+                return false;
+            }
+            options.program_file = argument;
+            have_program = true;
+            continue;
+        }
+        std::string name, value;
+        bool has_value = false;
+        split_argument(argument, name, value, has_value);
+        bool takes_value = name == "--size" || name == "--png";
+        if (!takes_value && has_value) {
+            error = name + " takes no value";
+            return false;
+        }
+        if (takes_value && !has_value) {
+            if (index + 1 >= argc) {
+                error = name + " needs a value";
+                return false;
+            }
+            value = argv[++index];
+        }
+        if (name == "--") {
+            options_ended = true;
+        } else if (name == "--headless") {
+            options.host = host_kind::headless;
+        } else if (name == "--screen") {
+            options.print_screen = true;
+        } else if (name == "--help" || name == "-h") {
+            options.show_help = true;
+        } else if (name == "--version") {
+            options.show_version = true;
+        } else if (name == "--size") {
+            if (!parse_size(value, options.screen_width, options.screen_height)) {
+                error = "bad --size '" + value + "': give WxH in pixels, W from 8 and H from 16 to 4096";
+                return false;
+            }
+        } else if (name == "--png") {
+            if (value.empty()) {
+                error = "--png needs a file name";
+                return false;
+            }
+            options.png_file = value;
+        } else {
+            error = "unknown option '" + name + "'";
+            return false;
+        }
+    }
+    return true;
+}
+
+const char* usage_text()
+{
+    return "usage: vexil [options] [program-file]\n"
+           "  --headless        no screen: keys from standard input, console text to standard output\n"
+           "  --size WxH        screen size in pixels, default 640x480 (80 columns x 30 rows)\n"
+           "  --screen          headless: at the end print the final character grid instead of the transcript\n"
+           "  --png FILE        at the end write the final screen image (text over pixels, upright) as a PNG\n"
+           "  --help            show this text\n"
+           "  --version         show the version\n"
+           "The program file is loaded and run at start. Every run is headless for now.\n"
+           "Exit status: 0, 1 when an error was reported, 2 for a command-line error.\n";
+}

@@ -1,0 +1,35 @@
+// The command line of every host: which front end, the screen size, what to write at the end and the
+// program to load. Parsing only reads its arguments, so a table of argument lists can test it.
+#pragma once
+
+#include <string>
+
+constexpr const char* vexil_version = "VEXIL v0.0.7";
+
+// Today the headless host is the only one, so an automatic choice is headless too.
+enum class host_kind { automatic, headless };
+
+// One cell is the smallest screen; the largest keeps the planes and the image within a few tens of MB.
+constexpr int min_screen_width = 8;
+constexpr int min_screen_height = 16;
+constexpr int max_screen_side = 4096;
+
+struct c_options {
+    host_kind host = host_kind::automatic;
+    int screen_width = 640;   // 80 columns
+    int screen_height = 480;  // 30 rows
+    bool print_screen = false;
+    std::string png_file;      // empty: no image
+    std::string program_file;  // empty: none; handed to the engine as written, quotes included
+    bool show_help = false;
+    bool show_version = false;
+};
+
+// Fills options from the arguments after the program name; false with a one-line message, naming the
+// offending argument, at the first one that is wrong.
+bool parse_command_line(int argc, const char* const* argv, c_options& options, std::string& error);
+
+// "WxH" (or "WXH") with both numbers in range; false leaves width and height unchanged.
+bool parse_size(const std::string& text, int& width, int& height);
+
+const char* usage_text();
