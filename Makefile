@@ -4,7 +4,7 @@
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
-PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config
+PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
 JOBS := -j2
 
 ifeq ($(SANITIZE),1)
