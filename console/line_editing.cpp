@@ -199,15 +199,15 @@ bool c_text_editor::line_detect(char* buffer, int size)
 {
     const c_text_layer& layer = *p_system_resource->p_text_layer;
     int start = cursor_y * layer.columns;
-    for (int stepped = 1; start > 0 && !is_empty(layer.cells[start - 1]); ++stepped) {
+    for (int stepped = 1; start > 0 && !is_empty(layer.load(start - 1)); ++stepped) {
         if (stepped >= size)
             return false;
         --start;
     }
     int length = 0;
     int index = start;
-    while (length < size && !is_empty(layer.cells[index]))
-        buffer[length++] = static_cast<char>(layer.cells[index++] & cell_character_mask);
+    while (length < size && !is_empty(layer.load(index)))
+        buffer[length++] = static_cast<char>(layer.load(index++) & cell_character_mask);
     // A line that ends in the grid's last cell is ended by the extra cell below the last row; the cursor
     // stays in the last row, and the move after Enter scrolls as it would from the row below.
     cursor_y = index / layer.columns < layer.rows ? index / layer.columns : layer.rows - 1;

@@ -19,8 +19,13 @@ constexpr int character_bits = 0xE0;  // a code with any of bits 5 to 7 set is a
 // written anywhere on a row reads as one line from column 0.
 void fill_gap(c_text_layer& layer, int x, int y)
 {
-    for (int column = x - 1; column >= 0 && (layer.at(column, y) & cell_character_mask) == 0; --column)
-        layer.at(column, y) = (layer.at(column, y) & cell_colour_mask) | cell_changed | ' ';
+    const int row_start = layer.index(0, y);
+    for (int index = layer.index(x, y) - 1; index >= row_start; --index) {
+        const std::uint32_t cell = layer.load(index);
+        if ((cell & cell_character_mask) != 0)
+            return;
+        layer.store(index, (cell & cell_colour_mask) | cell_changed | ' ');
+    }
 }
 
 // The cursor one cell on; past the last column it goes to the next row, and past the last row the grid
@@ -68,7 +73,7 @@ void c_text_editor::put_char(int c)
     } else {
         // The old cell goes whole, cursor mark included.
         fill_gap(layer, cursor_x, cursor_y);
-        layer.at(cursor_x, cursor_y) = cell | cell_changed;
+        layer.store(layer.index(cursor_x, cursor_y), cell | cell_changed);
     }
     p_system_resource->p_callback->text_written(character);
     advance(cursor_x, cursor_y, layer);
@@ -123,15 +128,18 @@ void c_text_editor::hide_cursor()
 {
     if (!cursor_visible)
         return;
-    std::uint32_t& cell = p_system_resource->p_text_layer->at(cursor_x, cursor_y);
-    cell = (cell & ~cell_cursor) | cell_changed;
+    c_text_layer& layer = *p_system_resource->p_text_layer;
+    const int index = layer.index(cursor_x, cursor_y);
+    layer.store(index, (layer.load(index) & ~cell_cursor) | cell_changed);
 }
 
 void c_text_editor::show_cursor()
 {
     if (!cursor_visible)
         return;
-    p_system_resource->p_text_layer->at(cursor_x, cursor_y) |= cell_cursor | cell_changed;
+    c_text_layer& layer = *p_system_resource->p_text_layer;
+    const int index = layer.index(cursor_x, cursor_y);
+    layer.store(index, layer.load(index) | cell_cursor | cell_changed);
 }
 
 // Written with input_mode clear, so its line breaks only move the cursor and its characters overwrite;

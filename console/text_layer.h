@@ -1,8 +1,12 @@
 // The two planes of the screen image: pixels that programs plot, and character cells drawn over them.
 // The display is turned a quarter turn against the frame buffer: a frame-buffer line is a screen column
 // and pixel 0 of a line is at the bottom, so screen (x, y) is index x * line_length + (line_length - 1 - y).
+// A host may draw on its own thread while the engine writes: every cell and pixel access goes through
+// load/store, one indivisible relaxed access (a plain move on x86), so a frame may mix old and new cells
+// but never tears one; drawing clears a changed bit only if the cell still holds what it drew.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 // A cell:  31-16 colour (RGB565) | 15-10 zero | 9 changed | 8 cursor | 7-0 character
@@ -23,6 +27,14 @@ public:
     // Allocates and blacks out height * width pixels; false when the memory cannot be had.
     bool allocate(int line_length, int line_count);
     int pixel_index(int x, int y) const { return x * height + (height - 1 - y); }
+    std::uint16_t load(int index) const
+    {
+        return std::atomic_ref<std::uint16_t>(pixels[index]).load(std::memory_order_relaxed);
+    }
+    void store(int index, std::uint16_t colour)
+    {
+        std::atomic_ref<std::uint16_t>(pixels[index]).store(colour, std::memory_order_relaxed);
+    }
 
     int height = 0;                    // pixels in one frame-buffer line: the visible height
     int width = 0;                     // frame-buffer lines: the visible width
@@ -43,8 +55,18 @@ public:
     bool insert(int x, int y, std::uint32_t cell);  // true when the grid had to scroll up
     void delete_char(int x, int y);
 
-    std::uint32_t& at(int x, int y) { return cells[y * columns + x]; }
-    std::uint32_t at(int x, int y) const { return cells[y * columns + x]; }
+    std::uint32_t load(int index) const
+    {
+        return std::atomic_ref<std::uint32_t>(cells[index]).load(std::memory_order_relaxed);
+    }
+    void store(int index, std::uint32_t cell)
+    {
+        std::atomic_ref<std::uint32_t>(cells[index]).store(cell, std::memory_order_relaxed);
+    }
+    int index(int x, int y) const { return y * columns + x; }
+    std::uint32_t at(int x, int y) const { return load(index(x, y)); }
+    // A plain reference, for tests that set up a grid while no host draws it.
+    std::uint32_t& at(int x, int y) { return cells[index(x, y)]; }
     int cell_count() const { return columns * rows; }  // the extra empty cell is not counted
 
     int columns = 0;

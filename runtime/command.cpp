@@ -265,7 +265,7 @@ void cmd_set_pixel(const unsigned char*& p, c_system_resource* res)
     c_graphic_layer* layer = res->p_graphic_layer;
     if (static_cast<unsigned>(y) < static_cast<unsigned>(layer->height) &&
         static_cast<unsigned>(x) < static_cast<unsigned>(layer->width))
-        layer->pixels[layer->pixel_index(x, y)] = colour;
+        layer->store(layer->pixel_index(x, y), colour);
 }
 
 // The colour goes to the upper half, where a cell keeps it; the lower half stays 0 for the character.
