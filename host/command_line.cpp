@@ -71,7 +71,7 @@ bool parse_command_line(int argc, const char* const* argv, c_options& options, s
         std::string name, value;
         bool has_value = false;
         split_argument(argument, name, value, has_value);
-        bool takes_value = name == "--size" || name == "--png";
+        bool takes_value = name == "--size" || name == "--png" || name == "--scale";
         if (!takes_value && has_value) {
             error = name + " takes no value";
             return false;
@@ -87,6 +87,17 @@ bool parse_command_line(int argc, const char* const* argv, c_options& options, s
             options_ended = true;
         } else if (name == "--headless") {
             options.host = host_kind::headless;
+        } else if (name == "--window") {
+            options.host = host_kind::window;
+        } else if (name == "--terminal") {
+            options.host = host_kind::terminal;
+        } else if (name == "--scale") {
+            int scale = 0;
+            if (!parse_side(value, scale) || scale < 1 || scale > max_window_scale) {
+                error = "bad --scale '" + value + "': give a whole number from 1 to 16";
+                return false;
+            }
+            options.window_scale = scale;
         } else if (name == "--screen") {
             options.print_screen = true;
         } else if (name == "--help" || name == "-h") {
@@ -115,12 +126,22 @@ bool parse_command_line(int argc, const char* const* argv, c_options& options, s
 const char* usage_text()
 {
     return "usage: vexil [options] [program-file]\n"
+           "Hosts (by default the window when a display can be opened, else the terminal when standard\n"
+           "input and output are terminals, else headless):\n"
+           "  --window          a window: F11 or Alt+Enter full screen, F12 saves vexil-N.png,\n"
+           "                    Control+V or Shift+Insert pastes, Control+Shift+C copies the screen's text\n"
+           "  --terminal        full screen in the terminal (text only: pixels are not shown)\n"
            "  --headless        no screen: keys from standard input, console text to standard output\n"
+           "Every host:\n"
            "  --size WxH        screen size in pixels, default 640x480 (80 columns x 30 rows)\n"
-           "  --screen          headless: at the end print the final character grid instead of the transcript\n"
            "  --png FILE        at the end write the final screen image (text over pixels, upright) as a PNG\n"
            "  --help            show this text\n"
            "  --version         show the version\n"
-           "The program file is loaded and run at start. Every run is headless for now.\n"
-           "Exit status: 0, 1 when an error was reported, 2 for a command-line error.\n";
+           "Window:\n"
+           "  --scale N         show every pixel N x N (1 to 16); default the largest that fits the desktop\n"
+           "Headless:\n"
+           "  --screen          at the end print the final character grid instead of the transcript\n"
+           "The program file is loaded and run at start. Control+C breaks a running program.\n"
+           "Exit status: 0, 1 when an error was reported or the PNG could not be written, 2 for a\n"
+           "command-line error.\n";
 }

@@ -6,19 +6,22 @@
 
 constexpr const char* vexil_version = "VEXIL v0.0.7";
 
-// Today the headless host is the only one, so an automatic choice is headless too.
-enum class host_kind { automatic, headless };
+// Automatic: the window when a display can be opened, else the terminal when standard input and output
+// are both terminals, else headless.
+enum class host_kind { automatic, headless, window, terminal };
 
 // One cell is the smallest screen; the largest keeps the planes and the image within a few tens of MB.
 constexpr int min_screen_width = 8;
 constexpr int min_screen_height = 16;
 constexpr int max_screen_side = 4096;
+constexpr int max_window_scale = 16;
 
 struct c_options {
     host_kind host = host_kind::automatic;
     int screen_width = 640;   // 80 columns
     int screen_height = 480;  // 30 rows
     bool print_screen = false;
+    int window_scale = 0;      // 0: the largest whole scale that fits the desktop
     std::string png_file;      // empty: no image
     std::string program_file;  // empty: none; handed to the engine as written, quotes included
     bool show_help = false;

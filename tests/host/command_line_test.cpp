@@ -19,6 +19,7 @@ struct accepted_case {
     const char* program_file;
     bool help;
     bool version;
+    int scale = 0;
 };
 
 const accepted_case accepted[] = {
@@ -39,6 +40,11 @@ const accepted_case accepted[] = {
     {{"--", "--screen"}, host_kind::automatic, 640, 480, false, "", "--screen", false, false},
     {{"-"}, host_kind::automatic, 640, 480, false, "", "-", false, false},                  // a file name
     {{"\"my prog.bas\""}, host_kind::automatic, 640, 480, false, "", "\"my prog.bas\"", false, false},
+    {{"--window"}, host_kind::window, 640, 480, false, "", "", false, false},
+    {{"--terminal"}, host_kind::terminal, 640, 480, false, "", "", false, false},
+    {{"--window", "--headless"}, host_kind::headless, 640, 480, false, "", "", false, false},  // the last wins
+    {{"--scale", "1"}, host_kind::automatic, 640, 480, false, "", "", false, false, 1},
+    {{"--scale=16", "--window"}, host_kind::window, 640, 480, false, "", "", false, false, 16},
 };
 
 struct rejected_case {
@@ -51,7 +57,13 @@ const rejected_case rejected[] = {
     {{"--png"}, "--png needs a value"},
     {{"--png="}, "--png needs a file name"},
     {{"--screen=yes"}, "--screen takes no value"},
-    {{"--window"}, "unknown option '--window'"},
+    {{"--full-screen"}, "unknown option '--full-screen'"},
+    {{"--window=yes"}, "--window takes no value"},
+    {{"--scale"}, "--scale needs a value"},
+    {{"--scale", "0"}, "bad --scale '0': give a whole number from 1 to 16"},
+    {{"--scale", "17"}, "bad --scale '17': give a whole number from 1 to 16"},
+    {{"--scale=2x"}, "bad --scale '2x': give a whole number from 1 to 16"},
+    {{"--scale="}, "bad --scale '': give a whole number from 1 to 16"},
     {{"-x"}, "unknown option '-x'"},
     {{"a.bas", "b.bas"}, "more than one program file: 'b.bas'"},
 };
@@ -93,6 +105,7 @@ TEST(command_line, accepts_every_valid_form)
         EXPECT_EQ(options.program_file, c.program_file) << joined(c.arguments);
         EXPECT_EQ(options.show_help, c.help) << joined(c.arguments);
         EXPECT_EQ(options.show_version, c.version) << joined(c.arguments);
+        EXPECT_EQ(options.window_scale, c.scale) << joined(c.arguments);
     }
 }
 
@@ -134,6 +147,7 @@ TEST(command_line, a_rejected_size_leaves_the_default_size)
 TEST(command_line, usage_lists_every_option)
 {
     std::string usage = usage_text();
-    for (const char* option : {"--headless", "--size WxH", "--screen", "--png FILE", "--help", "--version"})
+    for (const char* option : {"--window", "--terminal", "--headless", "--size WxH", "--scale N", "--screen",
+             "--png FILE", "--help", "--version"})
         EXPECT_NE(usage.find(option), std::string::npos) << option;
 }
