@@ -1,0 +1,94 @@
+#!/usr/bin/env bash
+# The terminal host in a detached tmux session of 100 x 30: keys typed into the pane, the pane's text
+# read back. Checks an answer and its Ok, the grid as wide as the terminal, the editing keys, Control+C
+# breaking an endless line without ending the session, and that after `exit` the session is over and
+# the terminal is back in its normal mode; and that --png still writes the image at the end.
+# usage: terminal.sh VEXIL
+set -uo pipefail
+
+vexil=$(realpath "$1")
+if ! "$vexil" --help 2>/dev/null | grep -q -- '--terminal'; then
+    echo "terminal.sh: skipped: this vexil has no --terminal"
+    exit 0
+fi
+if ! command -v tmux >/dev/null; then
+    echo "terminal.sh: skipped: tmux is not installed (make test installs it)"
+    exit 0
+fi
+
+work=$(mktemp -d)
+# A tmux server of our own, with no user configuration, whatever terminal (if any) runs this script.
+export TMUX_TMPDIR=$work
+unset TMUX
+tmux_() { tmux -L vexil -f /dev/null "$@"; }
+trap 'tmux_ kill-server 2>/dev/null; rm -rf "$work"' EXIT
+
+fail() {
+    echo "terminal.sh: $1"
+    echo "--- the pane's rows that are not empty:"
+    grep -n -v '^$' "$work/pane" 2>/dev/null
+    exit 1
+}
+
+# Polls the pane every tenth of a second, for at most ten seconds, until grep finds the pattern.
+wait_for() {
+    for _ in $(seq 100); do
+        tmux_ capture-pane -p -t vexil > "$work/pane" 2>/dev/null
+        grep -q -- "$1" "$work/pane" && return 0
+        sleep 0.1
+    done
+    fail "not shown within ten seconds: $1"
+}
+
+type_line() {
+    tmux_ send-keys -t vexil -l "$1"
+    tmux_ send-keys -t vexil Enter
+}
+
+# After vexil, the shell in the pane records its status and the terminal's modes, and the session ends.
+tmux_ new-session -d -s vexil -x 100 -y 30 \
+    "TERM=tmux-256color '$vexil' --terminal --png '$work/screen.png'; echo \$? > '$work/status'; stty -a > '$work/stty'" \
+    || fail "tmux cannot start a session"
+
+wait_for '^Ok'
+type_line 'print 1+2'
+wait_for '^3$'
+sed -n '/^3$/{n;p;}' "$work/pane" | grep -qx 'Ok' || fail "no Ok after the answer"
+
+# 100 columns, not the default 80: ninety characters stay on one row.
+type_line "print \"$(printf '%090d' 0)\""
+wait_for '^0\{90\}$'
+
+# Editing keys as the terminal sends them: an arrow's escape sequence, Back space as 127, Delete.
+tmux_ send-keys -t vexil -l 'print 4x5'
+tmux_ send-keys -t vexil Left BSpace
+tmux_ send-keys -t vexil -l '*'
+tmux_ send-keys -t vexil Enter
+wait_for '^20$'
+tmux_ send-keys -t vexil -l 'print 7+89'
+tmux_ send-keys -t vexil Left Left DC Enter
+wait_for '^16$'
+
+# The line is seen running before Control+C: a break while idle would be forgotten by the next line.
+type_line 'print "looping":$a goto $a'
+wait_for '^looping$'
+tmux_ send-keys -t vexil C-c
+wait_for '^Break'
+type_line 'print 6*7'
+wait_for '^42$'
+
+type_line 'exit'
+for _ in $(seq 100); do
+    tmux_ has-session -t vexil 2>/dev/null || break
+    sleep 0.1
+done
+tmux_ has-session -t vexil 2>/dev/null && fail "the session is still there ten seconds after exit"
+[ -f "$work/status" ] || fail "vexil did not return"
+# The Break was reported, and an error report makes the status 1.
+[ "$(cat "$work/status")" = 1 ] || fail "exit status $(cat "$work/status"), expected 1"
+[ -s "$work/screen.png" ] || fail "no image written by --png"
+for mode in icanon echo isig; do
+    grep -qw -- "-$mode" "$work/stty" && fail "the terminal was left with -$mode: $(cat "$work/stty")"
+    grep -qw -- "$mode" "$work/stty" || fail "no $mode in the terminal's modes: $(cat "$work/stty")"
+done
+echo "terminal.sh: passed"
