@@ -1,4 +1,5 @@
-' Mandelbrot set as text: 78 x 24 points, up to 100 iterations each
+' Mandelbrot set as text: 78 x 24 points, up to 100 iterations each, five times
+for ipass=1 to 5
 for iy=0 to 23
 sline=""
 rci=-1.2+iy*0.1
@@ -16,4 +17,5 @@ if icount<100 and rzr*rzr+rzi*rzi<4.0 then $iterate
 sline=sline+mid(" .,:;=+*#%@", icount/10, 1)
 next
 print sline
+next
 next

@@ -4,8 +4,6 @@
 // returns through every level at once, so the first error is the one the caller receives.
 #include "runtime/expression.h"
 
-#include <cstdint>
-
 #include "engine/error.h"
 #include "engine/system_resource.h"
 #include "language/code.h"
@@ -54,9 +52,113 @@ int compare(c_value& value, unsigned char kind, const c_base_type* right)
     return code;
 }
 
+// Two integers: the operators whose slots cannot fail, and division and MOD by a divisor other than
+// 0 and -1, give here exactly what the slots give; false leaves the rest to the slots.
+bool integer_shortcut(c_value& value, unsigned char kind, int right)
+{
+    int& left = value.integer_value.value;
+    switch (kind) {
+    case token_plus:
+        left = static_cast<int>(static_cast<unsigned>(left) + static_cast<unsigned>(right));
+        return true;
+    case token_minus:
+        left = static_cast<int>(static_cast<unsigned>(left) - static_cast<unsigned>(right));
+        return true;
+    case token_multiply:
+        left = static_cast<int>(static_cast<unsigned>(left) * static_cast<unsigned>(right));
+        return true;
+    case token_divide:
+    case token_mod:
+        if (right == 0 || right == -1)
+            return false;
+        left = kind == token_divide ? left / right : left % right;
+        return true;
+    case token_and:
+        left &= right;
+        return true;
+    case token_or:
+        left |= right;
+        return true;
+    case token_xor:
+        left ^= right;
+        return true;
+    case token_equal:
+        left = left == right ? -1 : 0;
+        return true;
+    case token_not_equal:
+        left = left != right ? -1 : 0;
+        return true;
+    case token_less:
+        left = left < right ? -1 : 0;
+        return true;
+    case token_less_equal:
+        left = left <= right ? -1 : 0;
+        return true;
+    case token_greater:
+        left = left > right ? -1 : 0;
+        return true;
+    case token_greater_equal:
+        left = left >= right ? -1 : 0;
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Two reals: as integer_shortcut, for the arithmetic and the comparisons (which give an integer).
+bool real_shortcut(c_value& value, unsigned char kind, double right)
+{
+    double& left = value.real_value.value;
+    switch (kind) {
+    case token_plus:
+        left += right;
+        return true;
+    case token_minus:
+        left -= right;
+        return true;
+    case token_multiply:
+        left *= right;
+        return true;
+    case token_divide:
+        if (right == 0.0)
+            return false;
+        left /= right;
+        return true;
+    case token_equal:
+        value.change_integer(left == right ? -1 : 0);
+        return true;
+    case token_not_equal:
+        value.change_integer(!(left == right) ? -1 : 0);
+        return true;
+    case token_less:
+        value.change_integer(left < right ? -1 : 0);
+        return true;
+    case token_less_equal:
+        value.change_integer(left <= right ? -1 : 0);
+        return true;
+    case token_greater:
+        value.change_integer(left > right ? -1 : 0);
+        return true;
+    case token_greater_equal:
+        value.change_integer(left >= right ? -1 : 0);
+        return true;
+    default:
+        return false;
+    }
+}
+
 // Promotes the left operand toward the right one's type, then calls the operator's slot on it.
+// Operands of one numeric type, the bulk of all arithmetic, first try the shortcuts above, which
+// spare the promotion and the virtual calls.
 int operate(c_value& value, unsigned char kind, const c_value& right_value)
 {
+    if (value.current == &value.integer_value && right_value.current == &right_value.integer_value) {
+        if (integer_shortcut(value, kind, right_value.integer_value.value))
+            return 0;
+    } else if (value.current == &value.real_value && right_value.current == &right_value.real_value) {
+        if (real_shortcut(value, kind, right_value.real_value.value))
+            return 0;
+    }
     if (int code = c_expression::class_change(value, right_value.get_type()); code != 0)
         return code;
     c_base_type* left = value.current;
@@ -89,13 +191,48 @@ int operate(c_value& value, unsigned char kind, const c_value& right_value)
     }
 }
 
-// The tokens some level takes after an operand: the binary operators.
-bool is_binary_operator(unsigned char kind)
+// The level whose loop takes each binary operator, loosest 1 to tightest 7; 0 for any other token.
+constexpr int level_or = 1, level_and = 2, level_comparator = 3, level_addition = 4, level_shift = 5,
+              level_multiplication = 6, level_power = 7;
+
+int binding(unsigned char kind)
 {
-    constexpr std::uint64_t binary_operators =
-        (1ull << token_and) | (1ull << token_or) | (1ull << token_xor) | (0x1Full << token_mod) |
-        (0xFFull << token_equal) | (1ull << token_power);
-    return kind < 64 && ((binary_operators >> kind) & 1u) != 0;
+    switch (kind) {
+    case token_or:
+    case token_xor:
+        return level_or;
+    case token_and:
+        return level_and;
+    case token_equal:
+    case token_less_equal:
+    case token_greater_equal:
+    case token_not_equal:
+    case token_less:
+    case token_greater:
+        return level_comparator;
+    case token_plus:
+    case token_minus:
+        return level_addition;
+    case token_shift_left:
+    case token_shift_right:
+        return level_shift;
+    case token_multiply:
+    case token_divide:
+    case token_mod:
+        return level_multiplication;
+    case token_power:
+        return level_power;
+    default:
+        return 0;
+    }
+}
+
+// A constant or scalar variable followed by no operator tighter than `level` is a whole operand of
+// that level: term alone gives what the levels in between would, since none of them finds an operator.
+// Level 0 asks for an operand that no operator follows at all.
+bool lone_operand(const unsigned char* p, int level)
+{
+    return *p <= token_string_variable && binding(p[token_size(p)]) <= level;
 }
 
 bool is_comparator(unsigned char kind)
@@ -179,9 +316,56 @@ int c_expression::expression(c_value& value, const unsigned char*& p)
     bool ok = true;
     // A lone constant or scalar variable, the commonest expression (subscripts, FOR bounds, PRINT i),
     // gives the same through term alone as through all eight levels, in about a quarter of the time.
-    if (*p <= token_string_variable && !is_binary_operator(p[token_size(p)]))
+    if (lone_operand(p, 0))
         return term(value, p, ok);
+    if (is_flat(p))
+        return flat(value, p);
     return or_op(value, p, ok);
+}
+
+// Two or three constants or scalar variables joined by binary operators, with nothing after them
+// ("i+1", "i*i", "isum+i mod 7"): the next commonest expressions. The levels would only pass such
+// operands down and back; here they are read, grouped by the operators' levels and operated on in the
+// order the levels use, so results, codes and the cursor after an error are the same.
+bool c_expression::is_flat(const unsigned char* p)
+{
+    for (int operands = 1; operands <= 3; ++operands) {
+        if (*p > token_string_variable)
+            return false;
+        p += token_size(p);
+        if (binding(*p) == 0)
+            return operands >= 2;
+        ++p;
+    }
+    return false;
+}
+
+int c_expression::flat(c_value& value, const unsigned char*& p)
+{
+    bool ok = true;
+    (void)term(value, p, ok);
+    unsigned char first = *p++;
+    c_value middle;
+    (void)term(middle, p, ok);
+    if (binding(*p) == 0)
+        return operate(value, first, middle);
+    unsigned char second = *p;
+    // The second operator binds tighter (or is a second "^", which groups to the right): its
+    // operands are worked first, as the first operator's right operand.
+    if (binding(second) > binding(first) || (first == token_power && second == token_power)) {
+        ++p;
+        c_value last;
+        (void)term(last, p, ok);
+        if (int code = operate(middle, second, last); code != 0)
+            return code;
+        return operate(value, first, middle);
+    }
+    if (int code = operate(value, first, middle); code != 0)
+        return code;  // the cursor stays on the second operator, as the levels leave it
+    ++p;
+    c_value last;
+    (void)term(last, p, ok);
+    return operate(value, second, last);
 }
 
 // Only upward: none to anything, integer to real or string. A real wanted as a string is 6.
@@ -206,13 +390,13 @@ int c_expression::class_change(c_value& value, int wanted)
 
 int c_expression::or_op(c_value& value, const unsigned char*& p, bool& ok)
 {
-    int code = and_op(value, p, ok);
+    int code = lone_operand(p, level_or) ? term(value, p, ok) : and_op(value, p, ok);
     if (!ok)
         return code;
     while (*p == token_or || *p == token_xor) {
         unsigned char kind = *p++;
         c_value right;
-        code = and_op(right, p, ok);
+        code = lone_operand(p, level_or) ? term(right, p, ok) : and_op(right, p, ok);
         if (!ok)
             return code;
         code = fail_on(operate(value, kind, right), ok);
@@ -224,13 +408,13 @@ int c_expression::or_op(c_value& value, const unsigned char*& p, bool& ok)
 
 int c_expression::and_op(c_value& value, const unsigned char*& p, bool& ok)
 {
-    int code = comparator(value, p, ok);
+    int code = lone_operand(p, level_and) ? term(value, p, ok) : comparator(value, p, ok);
     if (!ok)
         return code;
     while (*p == token_and) {
         ++p;
         c_value right;
-        code = comparator(right, p, ok);
+        code = lone_operand(p, level_and) ? term(right, p, ok) : comparator(right, p, ok);
         if (!ok)
             return code;
         code = fail_on(operate(value, token_and, right), ok);
@@ -242,13 +426,13 @@ int c_expression::and_op(c_value& value, const unsigned char*& p, bool& ok)
 
 int c_expression::comparator(c_value& value, const unsigned char*& p, bool& ok)
 {
-    int code = addition(value, p, ok);
+    int code = lone_operand(p, level_comparator) ? term(value, p, ok) : addition(value, p, ok);
     if (!ok)
         return code;
     while (is_comparator(*p)) {
         unsigned char kind = *p++;
         c_value right;
-        code = addition(right, p, ok);
+        code = lone_operand(p, level_comparator) ? term(right, p, ok) : addition(right, p, ok);
         if (!ok)
             return code;
         code = fail_on(operate(value, kind, right), ok);
@@ -260,13 +444,13 @@ int c_expression::comparator(c_value& value, const unsigned char*& p, bool& ok)
 
 int c_expression::addition(c_value& value, const unsigned char*& p, bool& ok)
 {
-    int code = shift(value, p, ok);
+    int code = lone_operand(p, level_addition) ? term(value, p, ok) : shift(value, p, ok);
     if (!ok)
         return code;
     while (*p == token_plus || *p == token_minus) {
         unsigned char kind = *p++;
         c_value right;
-        code = shift(right, p, ok);
+        code = lone_operand(p, level_addition) ? term(right, p, ok) : shift(right, p, ok);
         if (!ok)
             return code;
         code = fail_on(operate(value, kind, right), ok);
@@ -278,13 +462,13 @@ int c_expression::addition(c_value& value, const unsigned char*& p, bool& ok)
 
 int c_expression::shift(c_value& value, const unsigned char*& p, bool& ok)
 {
-    int code = multiplication(value, p, ok);
+    int code = lone_operand(p, level_shift) ? term(value, p, ok) : multiplication(value, p, ok);
     if (!ok)
         return code;
     while (*p == token_shift_left || *p == token_shift_right) {
         unsigned char kind = *p++;
         c_value right;
-        code = multiplication(right, p, ok);
+        code = lone_operand(p, level_shift) ? term(right, p, ok) : multiplication(right, p, ok);
         if (!ok)
             return code;
         code = fail_on(operate(value, kind, right), ok);
@@ -296,13 +480,13 @@ int c_expression::shift(c_value& value, const unsigned char*& p, bool& ok)
 
 int c_expression::multiplication(c_value& value, const unsigned char*& p, bool& ok)
 {
-    int code = power(value, p, ok);
+    int code = lone_operand(p, level_multiplication) ? term(value, p, ok) : power(value, p, ok);
     if (!ok)
         return code;
     while (*p == token_multiply || *p == token_divide || *p == token_mod) {
         unsigned char kind = *p++;
         c_value right;
-        code = power(right, p, ok);
+        code = lone_operand(p, level_multiplication) ? term(right, p, ok) : power(right, p, ok);
         if (!ok)
             return code;
         code = fail_on(operate(value, kind, right), ok);

@@ -17,6 +17,8 @@ public:
     [[nodiscard]] static int class_change(c_value& value, int wanted);
 
 private:
+    static bool is_flat(const unsigned char* p);
+    int flat(c_value& value, const unsigned char*& p);
     int or_op(c_value& value, const unsigned char*& p, bool& ok);
     int and_op(c_value& value, const unsigned char*& p, bool& ok);
     int comparator(c_value& value, const unsigned char*& p, bool& ok);

@@ -402,6 +402,19 @@ int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
     }
     int count = 0;
     do {
+        // An integer variable or constant alone, the usual subscript, is read without an evaluator:
+        // it cannot fail and gives the same index.
+        if ((*p == token_integer_variable || *p == token_integer) &&
+            (p[operand_token_size] == token_comma || p[operand_token_size] == token_close)) {
+            unsigned char kind = *p++;
+            auto operand = read_operand<std::uint32_t>(p);
+            indices[count++] = kind == token_integer
+                                   ? static_cast<int>(operand)
+                                   : res->p_variable_manager->get<c_variable_integer>(operand)->value;
+            if (res->error_code != error_none)
+                return 0;
+            continue;
+        }
         c_value subscript;  // fresh each time: an empty subscript reads as 0
         (void)evaluate(res, subscript, p);
         if (res->error_code != error_none)
