@@ -28,6 +28,9 @@ void copy_program_name(char (&name)[name_buffer_size], const char* argument)
 
 c_vexil::~c_vexil()
 {
+    // An engine that was never initialised has nothing wired to take apart.
+    if (system_resource.p_callback == nullptr)
+        return;
     interpreter.dimension_free();
     interpreter.all_file_close();
     interpreter.program_list.clear();
