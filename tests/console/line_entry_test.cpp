@@ -10,6 +10,30 @@
 
 namespace {
 
+// Lines typed, each ended by "\r", into a cleared console: the screen they leave, the row the cursor
+// ends on at column 0, and the error reported.
+struct immediate_case {
+    std::string keys;
+    std::string screen;
+    int cursor_y, error;
+};
+
+const std::string stars(76, '*');
+
+const immediate_case immediate_cases[] = {
+    {"print 1\r", "print 1\n1\nOk\n", 3, 0},
+    {"print \"" + stars + "\"\r", "print \"" + stars.substr(0, 73) + "\n***\"\n" + stars + "\nOk\n", 4, 0},  // from a continuation row
+    {"print \"ab\";\r", "print \"ab\";\nab\nOk\n", 3, 0},  // Ok on the next row
+    {"next\r", "next\nNEXT without FOR.\nOk\n", 3, error_next_without_for},
+    {"x=1\r", "x=1\nSyntax error.\nOk\n", 3, error_syntax},
+    {"print 1/0\r", "print 1/0\n1\nDivision by zero.\nOk\n", 4, error_division_by_zero},  // below what was printed
+    {"cls: next\r", "NEXT without FOR.\nOk\n", 2, error_next_without_for},
+    {"10 next\rrun\r", "10 next\nrun\nNEXT without FOR at 10.\nOk\n", 4, error_next_without_for},
+    {"i=0: $again: i=i+1: if i<3 then $again: print i\r", "i=0: $again: i=i+1: if i<3 then $again: print i\n3\nOk\n", 3, 0},
+    // A label in an immediate line is gone once the line has run.
+    {"10 goto $here\r$here: print 1\rrun\r", "10 goto $here\n$here: print 1\n1\nOk\nrun\nInvalid label at 10.\nOk\n", 7, error_invalid_label},
+};
+
 // A host that writes the console as a transcript: line breaks are held back until the next character,
 // so a step back cancels a break that has not been written yet.
 struct transcript_host : c_test_host {
@@ -20,116 +44,24 @@ struct transcript_host : c_test_host {
         transcript += static_cast<char>(character);
     }
     void rows_moved(int count) override { pending_rows += count; }
-    std::string finished() const { return transcript + std::string(pending_rows > 0 ? pending_rows : 0, '\n'); }
-
     std::string transcript;
     int pending_rows = 0;
 };
 
-struct transcript_console {
-    transcript_console()
-    {
-        engine.screen_width = 640;
-        engine.screen_height = 480;
-        engine.line_step = 960;
-        host.p_engine = &engine;
-        engine.initialize(&host);
-        engine.text_editor.clear_screen();
-        host.transcript.clear();
-        host.pending_rows = 0;
-    }
-    void enter(const std::string& line)
-    {
-        for (unsigned char c : line)
-            engine.text_editor.key(c);
-        engine.text_editor.key(key_enter);
-    }
-    transcript_host host;
-    c_vexil engine;
-};
-
 }  // namespace
 
-TEST(immediate_line, prints_below_the_line_then_ok_and_leaves_the_cursor_after_ok)
+TEST(immediate_line, runs_on_enter_and_shows_its_output_then_ok_or_the_error_below_it)
 {
-    test_console console;
-    console.enter("print 1");
-    EXPECT_EQ(console.screen(), "print 1\n1\nOk\n");
-    EXPECT_EQ(console.cursor_x(), 0);
-    EXPECT_EQ(console.cursor_y(), 3);
-    EXPECT_TRUE(console.engine.text_editor.input_mode);
-    EXPECT_TRUE(console.engine.text_editor.cursor_visible);
-}
-
-TEST(immediate_line, on_a_continuation_row_runs_the_line_from_its_start)
-{
-    test_console console;
-    console.type("print \"" + std::string(76, '*') + "\"");  // 84 cells: rows 0 and 1
-    console.key(key_enter);
-    EXPECT_EQ(console.row(2), std::string(76, '*'));
-    EXPECT_EQ(console.row(3), "Ok");
-}
-
-TEST(immediate_line, that_leaves_the_cursor_inside_a_row_gets_ok_on_the_next_row)
-{
-    test_console console;
-    console.enter("print \"ab\";");
-    EXPECT_EQ(console.row(1), "ab");
-    EXPECT_EQ(console.row(2), "Ok");
-    EXPECT_EQ(console.cursor_y(), 3);
-}
-
-TEST(immediate_line, reports_an_error_below_the_line_then_ok)
-{
-    test_console console;
-    console.enter("next");
-    EXPECT_EQ(console.screen(), "next\nNEXT without FOR.\nOk\n");
-    EXPECT_EQ(console.cursor_x(), 0);
-    EXPECT_EQ(console.cursor_y(), 3);
-    EXPECT_EQ(console.host.last_error, error_next_without_for);
-}
-
-TEST(immediate_line, reports_an_error_below_what_the_line_printed_before_it)
-{
-    test_console console;
-    console.enter("print 1/0");  // print shows the value reached before the division failed
-    EXPECT_EQ(console.screen(), "print 1/0\n1\nDivision by zero.\nOk\n");
-    EXPECT_EQ(console.cursor_y(), 4);
-}
-
-TEST(immediate_line, reports_from_row_0_after_the_screen_was_cleared)
-{
-    test_console console;
-    console.enter("cls: next");
-    EXPECT_EQ(console.screen(), "NEXT without FOR.\nOk\n");
-    EXPECT_EQ(console.cursor_y(), 2);
-}
-
-TEST(immediate_line, reports_the_stored_line_where_the_run_stopped)
-{
-    test_console console;
-    console.enter("10 next");
-    console.enter("run");
-    EXPECT_EQ(console.row(2), "NEXT without FOR at 10.");
-    EXPECT_EQ(console.row(3), "Ok");
-}
-
-TEST(immediate_line, jumps_to_a_label_defined_in_the_line_itself)
-{
-    test_console console;
-    console.enter("i=0: $again: i=i+1: if i<3 then $again: print i");
-    EXPECT_EQ(console.row(1), "3");
-    EXPECT_EQ(console.row(2), "Ok");
-}
-
-TEST(immediate_line, leaves_no_label_pointing_into_it_once_it_has_run)
-{
-    test_console console;
-    console.enter("10 goto $here");
-    console.enter("$here: print 1");
-    console.enter("run");
-    EXPECT_EQ(console.row(2), "1");
-    EXPECT_EQ(console.row(5), "Invalid label at 10.");
+    for (const immediate_case& c : immediate_cases) {
+        test_console console;
+        console.type(c.keys);
+        EXPECT_EQ(console.screen(), c.screen) << c.keys;
+        EXPECT_EQ(console.cursor_x(), 0) << c.keys;
+        EXPECT_EQ(console.cursor_y(), c.cursor_y) << c.keys;
+        EXPECT_EQ(console.host.last_error, c.error) << c.keys;
+        EXPECT_TRUE(console.engine.text_editor.input_mode) << c.keys;
+        EXPECT_TRUE(console.engine.text_editor.cursor_visible) << c.keys;
+    }
 }
 
 TEST(immediate_line, keys_typed_while_it_runs_appear_after_ok)
@@ -140,32 +72,13 @@ TEST(immediate_line, keys_typed_while_it_runs_appear_after_ok)
     EXPECT_EQ(console.screen(), "sleep 500\nOk\nabc\n");
 }
 
-TEST(immediate_line, with_a_syntax_error_reports_it)
+TEST(console_transcript, reads_output_and_reports_line_by_line_and_counts_no_row_for_a_wrap)
 {
+    const std::string a80(80, 'a');
     test_console console;
-    console.enter("x=1");
-    EXPECT_EQ(console.screen(), "x=1\nSyntax error.\nOk\n");
-}
-
-TEST(console_transcript, reads_output_then_ok_line_by_line)
-{
-    transcript_console console;
-    console.enter("print 1");
-    EXPECT_EQ(console.host.finished(), "print 1\n1\nOk\n");
-}
-
-TEST(console_transcript, reads_an_error_report_as_its_own_line)
-{
-    transcript_console console;
-    console.enter("next");
-    EXPECT_EQ(console.host.finished(), "next\nNEXT without FOR.\nOk\n");
-}
-
-TEST(console_transcript, counts_a_row_for_empty_and_numbered_lines_but_none_for_a_wrap)
-{
-    transcript_console console;
-    console.enter("");
-    console.enter("10 i=1");
-    console.enter(std::string(80, 'a'));  // a run of 80 a's that wraps: one row for the Enter only
-    EXPECT_EQ(console.host.finished(), "\n10 i=1\n" + std::string(80, 'a') + "\nSyntax error.\nOk\n");
+    transcript_host host;
+    console.resource()->p_callback = &host;
+    console.type("print 1\rnext\r\r10 i=1\r" + a80 + "\r");
+    EXPECT_EQ(host.transcript + std::string(host.pending_rows, '\n'),
+              "print 1\n1\nOk\nnext\nNEXT without FOR.\nOk\n\n10 i=1\n" + a80 + "\nSyntax error.\nOk\n");
 }

@@ -45,7 +45,11 @@ const key_session key_sessions[] = {
     {keys(key_right, 80), "", 0, 1},
     {keys(key_right, 80) + keys(key_left), "", 79, 0},
     {keys(key_tab) + "a", "a\n", 1, 0},
+    // Enter on an empty row moves down, and on the last row scrolls.
+    {keys(key_down) + "keep" + keys(key_down) + keys(key_enter), "\nkeep\n", 0, 3},
+    {keys(key_down) + "keep" + keys(key_down, 28) + keys(key_enter), "keep\n", 0, 29},
 };
+
 
 // Text a program writes from a cursor placed with locate: characters overwrite, "\r" moves straight down.
 struct output_case {
@@ -61,11 +65,14 @@ const output_case outputs[] = {
     {0, 0, "ab\rc", "ab\n  c\n", 3, 1},
     {0, 0, "ab\rc\nd", "ab\nd c\n", 1, 1},
     {0, 29, "x\r", std::string(28, '\n') + "x\n", 1, 29},
-    {0, 0, "ab\r\ncd\x0Bx", "xb\ncd\n", 1, 0},
+    {0, 0, "ab\r\ncd\x0Bx", "xb\ncd\n", 1, 0},  // overwrites although insertion is on
     {0, 0, "ab\r\ncd\x0C", "", 0, 0},
     {0, 0, "abc\x08", "ab\n", 2, 0},
     {0, 0, std::string("ab\x07\x09\x0E\x1B\x00", 7), "ab\n", 2, 0},  // codes without an action
     {0, 0, "\x1F\x1F\x1C\x1C\x1C\x1D\x1E", "", 2, 1},
+    {-1, 30, "", "", 0, 29},  // locate clamps to the grid
+    {80, -1, "", "", 79, 0},
+    {79, 29, "", "", 79, 29},
 };
 
 void print(test_console& console, const std::string& text)
@@ -76,14 +83,36 @@ void print(test_console& console, const std::string& text)
     editor.input_mode = true;
 }
 
-const c_program_line* stored(test_console& console)
+
+
+
+
+// Lines typed and entered: what is stored, where the cursor goes, and the error a bad line reports.
+struct entry_case {
+    std::string keys;
+    int number;  // 0: nothing stored
+    std::string source;
+    int cursor_y, error;
+};
+
+std::string quoted(int length)
 {
-    return console.engine.interpreter.program_list.first;
+    return "s=\"" + std::string(length, 'x') + "\"";
 }
+
+const entry_case entries[] = {
+    {"10 i=1\r", 10, "i=1", 1, 0},
+    {"10 " + quoted(80) + "\r", 10, quoted(80), 2, 0},   // Enter on a continuation row reads from its start
+    {"20 " + quoted(73) + "\r", 20, quoted(73), 2, 0},   // 80 cells: Enter on the empty row below enters it
+    {"10 " + quoted(248) + "\r", 10, quoted(248), 4, 0},  // 255 characters
+    {"10 " + quoted(249) + "\r", 0, "", 6, error_too_long_line},
+    {"123456 i=1\r", 0, "", 3, error_illegal_line_number},
+    {"10 i=1\r10\r", 0, "", 2, 0},  // a number alone deletes the line
+};
 
 }  // namespace
 
-TEST(line_editing, keys_leave_the_screen_and_the_cursor_where_a_user_expects)
+TEST(line_editing, keys_leave_the_screen_the_cursor_and_its_mark_where_a_user_expects)
 {
     for (const key_session& session : key_sessions) {
         test_console console;
@@ -91,17 +120,11 @@ TEST(line_editing, keys_leave_the_screen_and_the_cursor_where_a_user_expects)
         EXPECT_EQ(console.screen(), session.screen) << session.keys;
         EXPECT_EQ(console.cursor_x(), session.cursor_x) << session.keys;
         EXPECT_EQ(console.cursor_y(), session.cursor_y) << session.keys;
+        for (int i = 0; i < 80 * 30; ++i) {
+            const bool under_cursor = i == session.cursor_y * 80 + session.cursor_x;
+            EXPECT_EQ((console.engine.text_layer.cells[i] & cell_cursor) != 0, under_cursor) << session.keys << " " << i;
+        }
     }
-}
-
-TEST(line_editing, the_cursor_mark_follows_the_cursor)
-{
-    test_console console;
-    console.type("ab");
-    console.key(key_left);
-    EXPECT_NE(console.engine.cell(1, 0) & cell_cursor, 0u);
-    EXPECT_EQ(console.engine.cell(2, 0) & cell_cursor, 0u);
-    EXPECT_EQ(console.engine.cell(0, 0) & cell_cursor, 0u);
 }
 
 TEST(program_output, writes_characters_and_performs_control_codes)
@@ -116,29 +139,15 @@ TEST(program_output, writes_characters_and_performs_control_codes)
     }
 }
 
-TEST(program_output, overwrites_even_with_insert_mode_set)
+TEST(program_output, toggles_insertion_with_code_18_and_ignores_codes_above_255_with_bits_5_to_7_clear)
 {
     test_console console;
-    console.type("abc");
-    console.key(key_line_feed);
-    print(console, "X");
-    EXPECT_EQ(console.row(0), "Xbc");
-}
-
-TEST(program_output, ignores_codes_above_255_whose_bits_5_to_7_are_clear)
-{
-    test_console console;
-    console.type("ab");
-    console.engine.text_editor.put_char(0x100 + key_back_space);
-    EXPECT_EQ(console.row(0), "ab");
-    EXPECT_EQ(console.cursor_x(), 2);
-}
-
-TEST(program_output, toggles_insertion_with_code_18)
-{
-    test_console console;
-    print(console, "\x12");
+    print(console, "ab\x12");
     EXPECT_FALSE(console.engine.text_editor.insert_mode);
+    console.engine.text_editor.put_char(0x100 + key_insert);
+    console.engine.text_editor.put_char(0x100 + key_back_space);
+    EXPECT_FALSE(console.engine.text_editor.insert_mode);
+    EXPECT_EQ(console.row(0), "ab");
     print(console, "\x12");
     EXPECT_TRUE(console.engine.text_editor.insert_mode);
 }
@@ -154,73 +163,38 @@ TEST(program_output, clears_to_white_empty_cells_whatever_the_text_colour)
     EXPECT_EQ(console.engine.cell(0, 0), 0x07E00200u | 'c');
 }
 
-TEST(program_output, locate_clamps_to_the_grid)
-{
-    struct placement { int x, y, cursor_x, cursor_y; };
-    const placement placements[] = {
-        {-3, 99, 0, 29}, {80, -1, 79, 0}, {79, 29, 79, 29}, {0, 30, 0, 29}, {5, 7, 5, 7},
-    };
-    for (const placement& p : placements) {
-        test_console console;
-        console.engine.text_editor.locate(p.x, p.y);
-        EXPECT_EQ(console.cursor_x(), p.cursor_x) << p.x << "," << p.y;
-        EXPECT_EQ(console.cursor_y(), p.cursor_y) << p.x << "," << p.y;
-    }
-}
-
-TEST(error_report, starts_on_the_next_row_and_ends_below_ok)
+TEST(error_report, starts_on_the_next_row_ends_below_ok_and_sets_input_mode)
 {
     test_console console;
     console.type("abc");
-    console.engine.text_editor.put_error(error_syntax, 0);
-    EXPECT_EQ(console.screen(), "abc\nSyntax error.\nOk\n");
-    EXPECT_EQ(console.cursor_x(), 0);
-    EXPECT_EQ(console.cursor_y(), 3);
-    EXPECT_EQ(console.host.last_error, error_syntax);
-}
-
-TEST(error_report, names_the_line_when_there_is_one_and_sets_input_mode)
-{
-    test_console console;
     console.engine.text_editor.input_mode = false;
     console.engine.text_editor.put_error(error_type_mismatch, 120);
-    EXPECT_EQ(console.screen(), "\nType mismatch at 120.\nOk\n");
+    console.engine.text_editor.put_error(error_syntax, 0);
+    EXPECT_EQ(console.screen(), "abc\nType mismatch at 120.\nOk\n\nSyntax error.\nOk\n");
+    EXPECT_EQ(console.cursor_x(), 0);
+    EXPECT_EQ(console.cursor_y(), 6);
+    EXPECT_EQ(console.host.last_error, error_syntax);
     EXPECT_TRUE(console.engine.text_editor.input_mode);
 }
 
-TEST(line_entry, stores_a_numbered_line_and_moves_to_the_next_row)
+TEST(line_entry, stores_numbered_lines_and_reports_bad_ones_below_them)
 {
-    test_console console;
-    console.enter("10 i=1");
-    ASSERT_NE(stored(console), nullptr);
-    EXPECT_EQ(stored(console)->number, 10);
-    EXPECT_STREQ(stored(console)->source, "i=1");
-    EXPECT_EQ(console.screen(), "10 i=1\n");
-    EXPECT_EQ(console.cursor_x(), 0);
-    EXPECT_EQ(console.cursor_y(), 1);
-}
-
-TEST(line_entry, reads_the_line_from_its_start_on_a_continuation_row)
-{
-    test_console console;
-    std::string text = "s=\"" + std::string(80, 'x') + "\"";
-    console.type("10 " + text);  // 87 cells: rows 0 and 1
-    ASSERT_EQ(console.cursor_y(), 1);
-    console.key(key_enter);
-    ASSERT_NE(stored(console), nullptr);
-    EXPECT_EQ(std::string(stored(console)->source), text);
-    EXPECT_EQ(console.cursor_y(), 2);
-}
-
-TEST(line_entry, on_an_empty_row_below_a_full_row_enters_that_line_again)
-{
-    test_console console;
-    console.type("20 s=\"" + std::string(74, 'x') + "\"");  // exactly 80 cells: the cursor wraps to row 1
-    ASSERT_EQ(console.cursor_y(), 1);
-    console.key(key_enter);
-    ASSERT_NE(stored(console), nullptr);
-    EXPECT_EQ(stored(console)->number, 20);
-    EXPECT_EQ(console.cursor_y(), 2);
+    for (const entry_case& entry : entries) {
+        test_console console;
+        console.type(entry.keys);
+        const c_program_line* line = console.engine.interpreter.program_list.first;
+        ASSERT_EQ(line != nullptr, entry.number != 0) << entry.keys;
+        if (line != nullptr) {
+            EXPECT_EQ(line->number, entry.number);
+            EXPECT_EQ(line->source, entry.source);
+        }
+        EXPECT_EQ(console.host.last_error, entry.error) << entry.keys;
+        if (entry.error != 0) {
+            EXPECT_EQ(console.row(entry.cursor_y - 1), "Ok") << entry.keys;
+        }
+        EXPECT_EQ(console.cursor_x(), 0) << entry.keys;
+        EXPECT_EQ(console.cursor_y(), entry.cursor_y) << entry.keys;
+    }
 }
 
 TEST(line_entry, stores_only_the_line_that_covers_the_start_of_the_row)
@@ -230,61 +204,10 @@ TEST(line_entry, stores_only_the_line_that_covers_the_start_of_the_row)
     for (int x = 0; x < static_cast<int>(row.size()); ++x)
         console.engine.text_layer.at(x, 0) = 0xFFFF0200 | (row[x] == '_' ? 0 : row[x]);
     console.type(keys(key_right, 7) + keys(key_enter));
-    ASSERT_NE(stored(console), nullptr);
-    EXPECT_EQ(stored(console)->number, 10);
-    EXPECT_STREQ(stored(console)->source, "a");
-    EXPECT_EQ(stored(console)->next, nullptr);
+    const c_program_line* line = console.engine.interpreter.program_list.first;
+    ASSERT_NE(line, nullptr);
+    EXPECT_EQ(line->number, 10);
+    EXPECT_STREQ(line->source, "a");
+    EXPECT_EQ(line->next, nullptr);
     EXPECT_EQ(console.cursor_y(), 1);
-}
-
-TEST(line_entry, on_an_empty_row_moves_down_and_scrolls_on_the_last_row)
-{
-    test_console console;
-    console.type(keys(key_down) + "keep" + keys(key_down) + keys(key_enter));
-    EXPECT_EQ(console.screen(), "\nkeep\n");
-    EXPECT_EQ(console.cursor_y(), 3);
-    console.type(keys(key_down, 26) + keys(key_enter));
-    EXPECT_EQ(console.screen(), "keep\n");
-    EXPECT_EQ(console.cursor_y(), 29);
-}
-
-TEST(line_entry, accepts_255_characters)
-{
-    test_console console;
-    console.type("10 s=\"" + std::string(248, 'x') + "\"");  // 255 characters
-    console.key(key_enter);
-    EXPECT_EQ(console.host.last_error, 0);
-    ASSERT_NE(stored(console), nullptr);
-    EXPECT_EQ(std::string(stored(console)->source).size(), 252u);
-    EXPECT_EQ(console.cursor_y(), 4);
-}
-
-TEST(line_entry, reports_a_line_of_256_characters_as_too_long_and_stores_nothing)
-{
-    test_console console;
-    console.type("10 s=\"" + std::string(249, 'x') + "\"");  // 256 characters: rows 0 to 3
-    console.key(key_enter);
-    EXPECT_EQ(console.host.last_error, error_too_long_line);
-    EXPECT_EQ(stored(console), nullptr);
-    EXPECT_EQ(console.row(4), "Too long line.");
-    EXPECT_EQ(console.row(5), "Ok");
-    EXPECT_EQ(console.cursor_y(), 6);
-}
-
-TEST(line_entry, reports_a_bad_line_number_without_a_line)
-{
-    test_console console;
-    console.enter("123456 i=1");
-    EXPECT_EQ(console.screen(), "123456 i=1\nIllegal line number.\nOk\n");
-    EXPECT_EQ(stored(console), nullptr);
-    EXPECT_EQ(console.cursor_y(), 3);
-}
-
-TEST(line_entry, a_number_alone_deletes_the_stored_line)
-{
-    test_console console;
-    console.enter("10 i=1");
-    console.enter("10");
-    EXPECT_EQ(stored(console), nullptr);
-    EXPECT_EQ(console.cursor_y(), 2);
 }

@@ -11,36 +11,36 @@
 
 namespace {
 
-constexpr std::uint16_t red = 0xF800;
+constexpr std::uint32_t red = 0xF8000000;
+constexpr std::uint16_t red_pixel = 0xF800;
 constexpr std::uint16_t untouched = 0x1234;  // a frame-buffer value the layer never writes
 
 // A screen of its own size, with both planes and a frame buffer of the same layout.
 struct small_screen {
-    explicit small_screen(int width = 32, int height = 48)
+    explicit small_screen(int width = 32, int height = 56)
     {
         EXPECT_TRUE(graphic.allocate(height, width));
         EXPECT_TRUE(text.allocate(height, width, height * 2, &graphic));
         frame.assign(static_cast<std::size_t>(width) * height, untouched);
     }
-    std::uint16_t pixel(int x, int y) const { return frame[x * text.pitch + (text.height - 1 - y)]; }
-    void reset_frame() { frame.assign(frame.size(), untouched); }
     void draw() { text.draw(frame.data()); }
     void update() { text.update(frame.data()); }
-    // Writes text from cell index `index` on, colour white, no bits.
-    void put(int index, const std::string& characters)
+    void reset_frame() { frame.assign(frame.size(), untouched); }
+    // Every frame-buffer pixel, addressed as on the screen, against `expected(x, y)`.
+    template <class expectation> void expect_frame(expectation expected) const
     {
-        for (unsigned char c : characters)
-            text.cells[index++] = 0xFFFF0000 | c;
+        for (int x = 0; x < text.width; ++x) {
+            for (int y = 0; y < text.height; ++y)
+                ASSERT_EQ(frame[x * text.pitch + (text.height - 1 - y)], expected(x, y)) << x << "," << y;
+        }
     }
     // Characters of the grid as text, "_" for an empty cell, rows separated by "|".
     std::string grid() const
     {
         std::string shown;
         for (int i = 0; i < text.cell_count(); ++i) {
-            if (i != 0 && i % text.columns == 0)
-                shown += '|';
             int c = text.cells[i] & cell_character_mask;
-            shown += c == 0 ? '_' : static_cast<char>(c);
+            shown += std::string(i != 0 && i % text.columns == 0 ? "|" : "") + (c == 0 ? '_' : static_cast<char>(c));
         }
         return shown;
     }
@@ -66,145 +66,64 @@ bool glyph_bit(int code, int column, int row)
 
 }  // namespace
 
-TEST(layer_geometry, sizes_the_grid_from_the_screen_and_truncates_spare_pixels)
+TEST(layer_geometry, sizes_the_grid_from_the_screen_truncating_spare_pixels_and_blacks_the_pixel_plane)
 {
-    c_graphic_layer graphic;
-    c_text_layer text;
-    ASSERT_TRUE(text.allocate(487, 644, 1000, &graphic));
-    EXPECT_EQ(text.columns, 80);
-    EXPECT_EQ(text.rows, 30);
-    EXPECT_EQ(text.pitch, 500);
-    EXPECT_EQ(text.cells[text.cell_count()], cell_cleared);  // the extra cell, cleared like the rest
-    EXPECT_EQ(text.cells[0], cell_cleared);
+    small_screen screen(644, 487);
+    EXPECT_EQ(screen.text.columns, 80);
+    EXPECT_EQ(screen.text.rows, 30);
+    EXPECT_EQ(screen.text.pitch, 487);
+    EXPECT_EQ(screen.changed().size(), 80u * 30 + 1);  // the extra cell is cleared like the rest
+    EXPECT_EQ(screen.text.cells[80 * 30], cell_cleared);
+    for (int i = 0; i < 644 * 487; ++i)
+        ASSERT_EQ(screen.graphic.pixels[i], 0) << i;
+    screen.graphic.release();
+    EXPECT_EQ(screen.graphic.pixels, nullptr);
 }
 
-TEST(layer_geometry, allocates_a_black_pixel_plane)
+TEST(cell_drawing, paints_each_glyph_in_its_colour_at_its_cell_over_the_graphic_plane)
 {
-    c_graphic_layer graphic;
-    ASSERT_TRUE(graphic.allocate(48, 32));
-    EXPECT_EQ(graphic.height, 48);
-    EXPECT_EQ(graphic.width, 32);
-    for (int i = 0; i < 48 * 32; ++i)
-        ASSERT_EQ(graphic.pixels[i], 0) << i;
-    graphic.release();
-    EXPECT_EQ(graphic.pixels, nullptr);
-}
-
-TEST(cell_drawing, puts_a_cell_at_its_screen_position_in_the_turned_frame_buffer)
-{
-    small_screen screen;  // 4 columns, 3 rows
-    screen.text.at(2, 1) = 0xF8000000 | cell_cursor | ' ';  // a solid red block
-    screen.draw();
-    for (int x = 0; x < 32; ++x) {
-        for (int y = 0; y < 48; ++y) {
-            bool inside = x >= 16 && x < 24 && y >= 16 && y < 32;
-            ASSERT_EQ(screen.pixel(x, y) == red, inside) << x << "," << y;
-        }
-    }
-}
-
-TEST(cell_drawing, shows_the_colour_where_the_glyph_is_set_and_the_graphic_plane_elsewhere)
-{
-    small_screen screen;
-    for (int i = 0; i < 48 * 32; ++i)
+    small_screen screen;  // 4 columns and 3 rows, below 8 spare pixel rows that stay untouched
+    for (int i = 0; i < 56 * 32; ++i)
         screen.graphic.pixels[i] = static_cast<std::uint16_t>(i + 1);
-    screen.text.at(1, 2) = 0xF8000000 | 'A';
+    for (int i = 0; i < 12; ++i)
+        screen.text.cells[i] = red | (i % 2 == 0 ? ' ' : 0);  // spaces and empty cells show the plane alone
+    screen.text.at(1, 2) = red | 'A';
+    screen.text.at(3, 0) = red | cell_cursor | ('g' + 0x80);  // above 127: the glyph of the code less 128
     screen.draw();
-    int set_pixels = 0;
-    for (int column = 0; column < 8; ++column) {
-        for (int row = 0; row < 16; ++row) {
-            int x = 8 + column, y = 32 + row;
-            std::uint16_t behind = screen.graphic.pixels[screen.graphic.pixel_index(x, y)];
-            bool set = glyph_bit('A', column, row);
-            set_pixels += set;
-            EXPECT_EQ(screen.pixel(x, y), set ? red : behind) << column << "," << row;
-        }
-    }
-    EXPECT_GT(set_pixels, 10);
+    screen.expect_frame([&](int x, int y) {
+        const std::uint16_t behind = screen.graphic.pixels[screen.graphic.pixel_index(x, y)];
+        const int column = x % 8, row = (y - 8) % 16;
+        if (y < 8)
+            return untouched;
+        if (x / 8 == 1 && (y - 8) / 16 == 2)
+            return glyph_bit('A', column, row) ? red_pixel : behind;
+        if (x / 8 == 3 && (y - 8) / 16 == 0)  // the cursor inverts the glyph
+            return glyph_bit('g', column, row) ? behind : red_pixel;
+        return behind;
+    });
 }
 
-TEST(cell_drawing, inverts_the_glyph_under_the_cursor)
-{
-    small_screen screen;
-    screen.text.at(0, 0) = 0xF8000000 | cell_cursor | 'A';
-    screen.draw();
-    for (int column = 0; column < 8; ++column) {
-        for (int row = 0; row < 16; ++row)
-            EXPECT_EQ(screen.pixel(column, row), glyph_bit('A', column, row) ? 0 : red) << column << "," << row;
-    }
-}
-
-TEST(cell_drawing, draws_codes_above_127_with_the_glyph_of_the_code_less_128)
-{
-    small_screen plain, high;
-    plain.text.at(3, 0) = 0xF8000000 | 'g';
-    high.text.at(3, 0) = 0xF8000000 | ('g' + 0x80);
-    plain.draw();
-    high.draw();
-    EXPECT_EQ(plain.frame, high.frame);
-}
-
-TEST(cell_drawing, shows_only_the_graphic_plane_for_empty_and_space_cells)
-{
-    small_screen screen;
-    screen.text.at(0, 0) = 0xF8000000 | ' ';
-    screen.text.at(1, 0) = 0xF8000000;
-    screen.draw();
-    for (int x = 0; x < 16; ++x) {
-        for (int y = 0; y < 16; ++y)
-            ASSERT_EQ(screen.pixel(x, y), 0) << x << "," << y;
-    }
-}
-
-TEST(cell_drawing, leaves_the_spare_rows_at_the_top_when_the_height_is_not_a_multiple_of_16)
-{
-    small_screen screen(32, 56);  // 3 rows of text and 8 spare pixel rows
-    for (int i = 0; i < screen.text.cell_count(); ++i)
-        screen.text.cells[i] = 0xF8000000 | cell_cursor | ' ';
-    screen.draw();
-    for (int x = 0; x < 32; ++x) {
-        for (int y = 0; y < 56; ++y)
-            ASSERT_EQ(screen.pixel(x, y), y < 8 ? untouched : red) << x << "," << y;
-    }
-}
-
-TEST(cell_drawing, draw_repaints_every_cell_and_clears_every_changed_bit)
-{
-    small_screen screen;
-    screen.draw();
-    EXPECT_EQ(screen.changed(), std::vector<int>{12});  // the extra cell is never drawn
-    for (std::uint16_t value : screen.frame)
-        ASSERT_EQ(value, 0);
-}
-
-TEST(cell_drawing, update_repaints_changed_cells_only)
+TEST(cell_drawing, update_repaints_changed_cells_once_and_draw_repaints_all_but_the_extra_cell)
 {
     small_screen screen(160, 48);  // 20 columns, so that the 60 cells span several blocks of the scan
+    screen.text.at(17, 1) = red | cell_cursor | ' ';  // not changed: draw must paint it anyway
     screen.draw();
+    screen.expect_frame([](int x, int y) { return x >= 136 && x < 144 && y >= 16 && y < 32 ? red_pixel : 0; });
+    EXPECT_EQ(screen.changed(), std::vector<int>{60});
     screen.reset_frame();
-    screen.text.at(17, 1) = 0xF8000000 | cell_changed | cell_cursor | ' ';
-    screen.text.at(19, 2) = 0xF8000000 | cell_changed | cell_cursor | ' ';
+    screen.text.at(15, 0) = red | cell_changed | cell_cursor | ' ';  // the last cell of a block
+    screen.text.at(19, 2) = red | cell_changed | cell_cursor | ' ';  // past the last whole block
     screen.update();
-    for (int x = 0; x < 160; ++x) {
-        for (int y = 0; y < 48; ++y) {
-            bool inside = (x >= 136 && x < 144 && y >= 16 && y < 32) || (x >= 152 && y >= 32);
-            ASSERT_EQ(screen.pixel(x, y), inside ? red : untouched) << x << "," << y;
-        }
-    }
-    EXPECT_EQ(screen.changed(), std::vector<int>{60});  // the extra cell is never drawn
-}
-
-TEST(cell_drawing, after_clear_update_draws_every_cell_once)
-{
-    small_screen screen(160, 48);
+    screen.expect_frame([](int x, int y) {
+        return (x >= 120 && x < 128 && y < 16) || (x >= 152 && y >= 32) ? red_pixel : untouched;
+    });
+    EXPECT_EQ(screen.changed(), std::vector<int>{60});
     screen.text.clear();
     screen.update();
-    for (std::uint16_t value : screen.frame)
-        ASSERT_EQ(value, 0);
+    screen.expect_frame([](int, int) { return 0; });
     screen.reset_frame();
     screen.update();
-    for (std::uint16_t value : screen.frame)
-        ASSERT_EQ(value, untouched);
+    screen.expect_frame([](int, int) { return untouched; });
 }
 
 // The grid edits on a 4 x 3 grid written as rows, "_" for an empty cell; X is the inserted character.
@@ -236,41 +155,32 @@ TEST(grid_edits, move_cells_and_mark_only_the_cells_whose_value_changed)
 {
     for (const grid_edit& edit : grid_edits) {
         small_screen screen;
-        int index = 0;
-        for (const char* c = edit.before; *c != '\0'; ++c) {
-            if (*c != '|')
-                screen.text.cells[index++] = 0xFFFF0000 | (*c == '_' ? 0 : *c);
+        for (int i = 0, c = 0; edit.before[c] != '\0'; ++c) {
+            if (edit.before[c] != '|')
+                screen.text.cells[i++] = 0xFFFF0000 | (edit.before[c] == '_' ? 0 : edit.before[c]);
         }
-        screen.text.cells[index] = 0xFFFF0000;
-        bool scrolled = false;
+        screen.text.cells[12] = 0xFFFF0000;
+        const bool scrolled = edit.operation == 'i' && screen.text.insert(edit.x, edit.y, 0xFFFF0000 | 'X');
         if (edit.operation == 's')
             screen.text.scroll_up();
-        else if (edit.operation == 'd')
+        if (edit.operation == 'd')
             screen.text.delete_char(edit.x, edit.y);
-        else
-            scrolled = screen.text.insert(edit.x, edit.y, 0xFFFF0000 | 'X');
         EXPECT_EQ(screen.grid(), edit.after) << edit.before << " " << edit.operation;
         EXPECT_EQ(scrolled, edit.scrolled) << edit.before << " " << edit.operation;
         EXPECT_EQ(screen.changed(), edit.changed) << edit.before << " " << edit.operation;
     }
 }
 
-TEST(grid_edits, scrolling_blanks_the_last_row_in_white_whatever_the_colours)
+TEST(grid_edits, keep_each_cells_colour_but_blank_a_scrolled_in_row_in_white)
 {
     small_screen screen;
-    screen.put(0, "abcdefghijkl");
+    screen.text.cells[4] = 0x07E00000;  // empty, green
+    screen.text.insert(2, 1, 0xFFFF0000 | 'X');
+    EXPECT_EQ(screen.text.cells[4], 0x07E00000 | cell_changed | ' ');  // the gap: spaces of each cell's colour
+    EXPECT_EQ(screen.text.cells[5], 0xFFFF0000 | cell_changed | ' ');
     screen.text.at(1, 2) = 0x001F0000 | 'j';  // blue
     screen.text.scroll_up();
     EXPECT_EQ(screen.text.at(1, 1), 0x001F0000 | cell_changed | 'j');
     for (int x = 0; x < 4; ++x)
         EXPECT_EQ(screen.text.at(x, 2), cell_cleared);
-}
-
-TEST(grid_edits, insertion_fills_the_gap_with_spaces_of_each_cells_colour)
-{
-    small_screen screen;
-    screen.text.cells[4] = 0x07E00000;  // empty, green
-    screen.text.insert(2, 1, 0xFFFF0000 | 'X');
-    EXPECT_EQ(screen.text.cells[4], 0x07E00000 | cell_changed | ' ');
-    EXPECT_EQ(screen.text.cells[5], 0xFFFF0000 | cell_changed | ' ');
 }

@@ -88,6 +88,18 @@ public:
             text += line + "\n";
         return text;
     }
+    // Lines separated by '\n' entered in turn; the screen is cleared before the last one. Gives the rows
+    // below the last line: what it printed, then "Ok" or the message.
+    std::string output(const std::string& lines)
+    {
+        std::size_t last = lines.rfind('\n') + 1;  // 0 when there is one line
+        for (std::size_t start = 0; start < last; start = lines.find('\n', start) + 1)
+            enter(lines.substr(start, lines.find('\n', start) - start));
+        engine.text_editor.clear_screen();
+        enter(lines.substr(last));
+        std::string text = screen();
+        return text.substr(text.find('\n') + 1);
+    }
     int cursor_x() const { return engine.text_editor.cursor_x; }
     int cursor_y() const { return engine.text_editor.cursor_y; }
     c_system_resource* resource() { return &engine.system_resource; }
