@@ -18,7 +18,8 @@ TEST(evaluator, binds_by_precedence_and_groups_power_to_the_right)
         {"100/10/5", "2"},    {"2*(3+4)", "14"},    {"1<2<3", "-1"},      {"3>2>1", "0"},
         {"not 1=1", "0"},     {"not 0+1", "0"},     {"1+2=3", "-1"},      {"1=1 and 2=2", "-1"},
         {"4 or 2 and 1", "4"}, {"5 or 3 xor 1", "6"}, {"--3", "3"},       {"+3", "3"},
-        {"2*3^2", "18"},      {"1-2<<1", "-3"},     {"8>>1+1", "5"},
+        {"2*3^2", "18"},      {"1-2<<1", "-3"},     {"8>>1+1", "5"},       {"7-2-1", "4"},
+        {"2*3+1", "7"},       {"5=5.0", "-1"},
     });
 }
 
@@ -40,6 +41,9 @@ TEST(evaluator, stops_at_the_first_error_keeping_what_it_had_reached)
         {"(1/0+2)", "1\nDivision by zero."},           {"1/", "1\nDivision by zero."},
         {"1+", "1"},  {"1*", "0"},  {"1+()", "1"},     // a missing operand reads as none
         {"-", "\nSyntax error."},
+        // The short forms the evaluator takes without its level chain must stop in the same place.
+        {"1+1/0", "1\nDivision by zero."},  {"1/0+2", "1\nDivision by zero."},
+        {"1.5 mod 2", "1.500000\nType mismatch."},
     });
 }
 
