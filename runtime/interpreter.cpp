@@ -332,64 +332,56 @@ void c_interpreter::process_svar(const unsigned char*& p)
     variable->set(text, length);
 }
 
-void c_interpreter::process_iarray(const unsigned char*& p)
+// Reads the array, the subscripts, the "=" and the value of an element assignment; null when the
+// statement stops there (its error is already recorded).
+template <class array_type>
+array_type* c_interpreter::element_assignment(const unsigned char*& p, int* indices, int& count, c_value& value)
 {
     c_system_resource* res = p_system_resource;
     ++p;
-    auto* array = res->p_variable_manager->get<c_variable_integer_array>(read_operand<variable_id>(p));
-    int indices[max_dimensions];
-    int count = dimension_check(p, indices);
+    auto* array = res->p_variable_manager->get<array_type>(read_operand<variable_id>(p));
+    count = dimension_check(p, indices);
     if (count == 0 || res->error_code != error_none)
-        return;
+        return nullptr;
     if (!take_token(p, token_equal)) {
         res->error_code.raise(error_syntax);
-        return;
+        return nullptr;
     }
-    c_value value;
     if (evaluate(res, value, p) != 0)
-        return;
-    res->error_code.raise(array->set(count, indices, value.current->get_integer()));
+        return nullptr;
+    return array;
+}
+
+void c_interpreter::process_iarray(const unsigned char*& p)
+{
+    int indices[max_dimensions];
+    int count;
+    c_value value;
+    if (auto* array = element_assignment<c_variable_integer_array>(p, indices, count, value))
+        p_system_resource->error_code.raise(array->set(count, indices, value.current->get_integer()));
 }
 
 void c_interpreter::process_rarray(const unsigned char*& p)
 {
-    c_system_resource* res = p_system_resource;
-    ++p;
-    auto* array = res->p_variable_manager->get<c_variable_real_array>(read_operand<variable_id>(p));
     int indices[max_dimensions];
-    int count = dimension_check(p, indices);
-    if (count == 0 || res->error_code != error_none)
-        return;
-    if (!take_token(p, token_equal)) {
-        res->error_code.raise(error_syntax);
-        return;
-    }
+    int count;
     c_value value;
-    if (evaluate(res, value, p) != 0)
-        return;
-    res->error_code.raise(array->set(count, indices, value.current->get_real()));
+    if (auto* array = element_assignment<c_variable_real_array>(p, indices, count, value))
+        p_system_resource->error_code.raise(array->set(count, indices, value.current->get_real()));
 }
 
 void c_interpreter::process_sarray(const unsigned char*& p)
 {
-    c_system_resource* res = p_system_resource;
-    ++p;
-    auto* array = res->p_variable_manager->get<c_variable_string_array>(read_operand<variable_id>(p));
     int indices[max_dimensions];
-    int count = dimension_check(p, indices);
-    if (count == 0 || res->error_code != error_none)
-        return;
-    if (!take_token(p, token_equal)) {
-        res->error_code.raise(error_syntax);
-        return;
-    }
+    int count;
     c_value value;
-    if (evaluate(res, value, p) != 0)
+    auto* array = element_assignment<c_variable_string_array>(p, indices, count, value);
+    if (array == nullptr)
         return;
     const char* text;
     int length;
     value.current->get_string(text, length);
-    res->error_code.raise(array->set(count, indices, text, length));
+    p_system_resource->error_code.raise(array->set(count, indices, text, length));
 }
 
 // A comma after the eighth subscript is left for the ")" test, which makes a ninth a syntax error.

@@ -12,6 +12,7 @@ struct c_system_resource;
 class c_parser;
 class c_variable_integer;
 class c_variable_label;
+class c_value;
 
 constexpr int for_stack_size = 32;
 constexpr int gosub_stack_size = 128;
@@ -74,4 +75,8 @@ public:
     int gosub_depth = 0;
     std::FILE* files[channel_count] = {};
     c_program_list program_list;
+
+private:
+    template <class array_type>
+    array_type* element_assignment(const unsigned char*& p, int* indices, int& count, c_value& value);
 };
