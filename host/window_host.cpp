@@ -92,8 +92,14 @@ bool c_window_host::open(std::string& error)
     const int scale = options.window_scale > 0 ? options.window_scale : fitting_scale(width, height);
     p_window = SDL_CreateWindow("VEXIL", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
         height * scale, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
-    if (p_window != nullptr)
-        p_renderer = SDL_CreateRenderer(p_window, -1, 0);
+    if (p_window == nullptr) {
+        error = std::string("cannot open a window: ") + SDL_GetError();
+        return false;
+    }
+    // The engine starts as soon as the window exists: making a renderer can take a good part of a
+    // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
+    start_engine(width, height);
+    p_renderer = SDL_CreateRenderer(p_window, -1, 0);
     if (p_renderer != nullptr)
         p_texture = SDL_CreateTexture(p_renderer, SDL_PIXELFORMAT_RGB565, SDL_TEXTUREACCESS_STREAMING, width, height);
     if (p_texture == nullptr) {
@@ -103,7 +109,11 @@ bool c_window_host::open(std::string& error)
     SDL_DisplayMode mode;
     if (SDL_GetWindowDisplayMode(p_window, &mode) == 0 && mode.refresh_rate >= 30)
         frame_interval_ms = static_cast<std::uint32_t>(1000 / mode.refresh_rate);
+    return true;
+}
 
+void c_window_host::start_engine(int width, int height)
+{
     engine.initialize(this);
     frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
     upright.assign(frame_buffer.size(), 0);
@@ -117,7 +127,6 @@ bool c_window_host::open(std::string& error)
         wake.type = wake_event;
         SDL_PushEvent(&wake);
     });
-    return true;
 }
 
 bool c_window_host::step()
@@ -357,6 +366,8 @@ void c_window_host::toggle_full_screen()
 // The flags are taken before drawing, so that what the engine changes meanwhile is drawn next frame.
 void c_window_host::draw_frame()
 {
+    if (p_texture == nullptr)
+        return;  // the renderer could not be made: the engine is only being wound down
     const bool full = full_draw_asked.exchange(false);
     const bool dirty = image_dirty.exchange(false);
     const c_graphic_layer& graphic = engine.graphic_layer;

@@ -37,6 +37,7 @@ public:
 
     // Opens the window and starts the engine; false with a one-line reason.
     bool open(std::string& error);
+    void start_engine(int width, int height);
     // One pass of the event loop: waits up to a frame for events, handles them, draws and presents
     // when the frame is due. False once the application has ended.
     bool step();
