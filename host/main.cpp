@@ -1,22 +1,80 @@
 // The entry point: reads the command line, answers --help and --version, and runs the chosen host.
+// The window host lives in a module loaded only when a window is wanted (see host/window_module.h).
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "host/command_line.h"
 #include "host/headless_host.h"
 #include "host/terminal_host.h"
-#include "host/window_host.h"
+#include "host/window_module.h"
 
 namespace {
+
+// The module next to the binary, whatever the current directory. Never closed: SDL's threads and exit
+// handlers may outlive the call into it.
+void* load_window_module(std::string& error)
+{
+    std::error_code failure;
+    const std::filesystem::path binary = std::filesystem::read_symlink("/proc/self/exe", failure);
+    if (failure) {
+        error = "cannot find the window module: " + failure.message();
+        return nullptr;
+    }
+    const std::string file = (binary.parent_path() / window_module_file).string();
+    void* module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module == nullptr)
+        error = std::string("cannot load the window module: ") + dlerror();
+    return module;
+}
+
+template <class function_type>
+function_type find_entry(void* module, const char* name, std::string& error)
+{
+    auto entry = reinterpret_cast<function_type>(dlsym(module, name));
+    if (entry == nullptr)
+        error = std::string("cannot load the window module: no ") + name;
+    return entry;
+}
+
+// Only with a display variable set: without one no display can be found, and loading SDL to learn that
+// would cost every headless and terminal run its start-up time. A module that does not load means no
+// window, as a display that does not open does.
+bool display_available()
+{
+    if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr)
+        return false;
+    std::string error;
+    void* module = load_window_module(error);
+    if (module == nullptr)
+        return false;
+    auto available = find_entry<window_display_available_function>(module, "vexil_window_display_available", error);
+    return available != nullptr && available() != 0;
+}
+
+int run_window_host(const c_options& options)
+{
+    std::string error;
+    void* module = load_window_module(error);
+    auto window_main = module == nullptr ? nullptr : find_entry<window_main_function>(module, "vexil_window_main", error);
+    if (window_main == nullptr) {
+        std::fprintf(stderr, "vexil: %s\n", error.c_str());
+        return 1;
+    }
+    return window_main(&options);
+}
 
 host_kind chosen_host(const c_options& options)
 {
     if (options.host != host_kind::automatic)
         return options.host;
-    if (window_display_available())
+    if (display_available())
         return host_kind::window;
     if (isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
         return host_kind::terminal;
@@ -33,7 +91,7 @@ int run_host(const c_options& options)
 int run_chosen_host(const c_options& options)
 {
     switch (chosen_host(options)) {
-    case host_kind::window: return run_host<c_window_host>(options);
+    case host_kind::window: return run_window_host(options);
     case host_kind::terminal: return run_host<c_terminal_host>(options);
     default: return run_host<c_headless_host>(options);
     }
