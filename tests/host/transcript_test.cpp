@@ -9,92 +9,43 @@
 
 namespace {
 
-// A transcript into a temporary file, read back as text.
-class transcript_file {
-public:
-    transcript_file() : file(std::tmpfile()), transcript(file) {}
-    ~transcript_file() { std::fclose(file); }
-    void write(const std::string& text)
-    {
-        for (unsigned char c : text)
-            transcript.character(c);
-    }
-    std::string contents()
-    {
-        transcript.flush();
-        std::string text;
-        std::rewind(file);
-        for (int c; (c = std::fgetc(file)) != EOF;)
-            text += static_cast<char>(c);
-        return text;
-    }
-    std::FILE* file;
-    c_transcript transcript;
-};
+// Plays a script into a transcript on a temporary file and reads the file back: '\n' moves a row
+// down, '^' a row back up, '$' finishes; every other character is written.
+std::string played(const std::string& script)
+{
+    std::FILE* file = std::tmpfile();
+    c_transcript transcript(file);
+    for (char c : script)
+        c == '\n' ? transcript.rows_moved(1) : c == '^' ? transcript.rows_moved(-1)
+            : c == '$' ? transcript.finish() : transcript.character(static_cast<unsigned char>(c));
+    transcript.flush();
+    std::string text;
+    std::rewind(file);
+    for (int c; (c = std::fgetc(file)) != EOF;)
+        text += static_cast<char>(c);
+    std::fclose(file);
+    return text;
+}
 
 }  // namespace
 
-TEST(transcript, writes_a_break_before_the_next_character)
+TEST(transcript, holds_each_break_until_the_next_character_and_a_step_back_takes_one_back)
 {
-    transcript_file out;
-    out.write("print 1");
-    out.transcript.rows_moved(1);
-    EXPECT_EQ(out.contents(), "print 1");  // held
-    out.write("1");
-    EXPECT_EQ(out.contents(), "print 1\n1");
+    struct script_case { const char* script; const char* written; };
+    const script_case cases[] = {
+        {"print 1\n", "print 1"},  // held
+        {"a\n\nb", "a\n\nb"},      // one break for each row moved down
+        {"x\n\n^y", "x\ny"},       // a step back (before an error report) takes back one
+        {"x^\ny", "x\ny"},         // and with none held changes nothing
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(played(c.script), c.written) << testing::PrintToString(c.script);
 }
 
-TEST(transcript, writes_one_break_for_each_row_moved_down)
+TEST(transcript, finish_writes_the_held_breaks_and_every_byte_of_a_long_output)
 {
-    transcript_file out;
-    out.write("a");
-    out.transcript.rows_moved(1);
-    out.transcript.rows_moved(1);
-    out.write("b");
-    EXPECT_EQ(out.contents(), "a\n\nb");
-}
-
-TEST(transcript, a_step_back_takes_back_a_held_break)
-{
-    // An error report after Enter: the editor steps back up and the report starts with its own break.
-    transcript_file out;
-    out.write("x");
-    out.transcript.rows_moved(1);
-    out.transcript.rows_moved(-1);
-    out.transcript.rows_moved(1);
-    out.write("Syntax error.");
-    EXPECT_EQ(out.contents(), "x\nSyntax error.");
-}
-
-TEST(transcript, a_step_back_with_no_held_break_changes_nothing)
-{
-    transcript_file out;
-    out.write("x");
-    out.transcript.rows_moved(-1);
-    out.transcript.rows_moved(1);
-    out.write("y");
-    EXPECT_EQ(out.contents(), "x\ny");
-}
-
-TEST(transcript, finish_writes_the_held_breaks)
-{
-    transcript_file out;
-    out.write("Ok");
-    out.transcript.rows_moved(1);
-    out.transcript.finish();
-    EXPECT_EQ(out.contents(), "Ok\n");
-}
-
-TEST(transcript, keeps_every_byte_of_a_long_output)
-{
-    transcript_file out;
-    std::string expected;
-    for (int line = 0; line < 20000; ++line) {  // past the buffer several times
-        std::string text = std::to_string(line);
-        out.write(text);
-        out.transcript.rows_moved(1);
-        expected += text + "\n";
-    }
-    out.transcript.finish();
-    EXPECT_EQ(out.contents(), expected);
+    std::string script;
+    for (int line = 0; line < 20000; ++line)  // past the buffer several times
+        script += std::to_string(line) + "\n";
+    EXPECT_EQ(played(script + "$"), script);
 }
