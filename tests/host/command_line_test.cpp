@@ -60,8 +60,8 @@ const argument_case rejected[] = {
     {{"a.bas", "b.bas"}, "error: more than one program file: 'b.bas'"},
 };
 
-// Each side just past its limit, and what is not two plain numbers around an x.
-const char* const bad_sizes[] = {"12", "7x16", "8x15", "4097x480", "640x4097", "-640x480", "x480", "99999999999x480"};
+// Each side just past its limit, what is not two plain numbers around an x, and 2^32 + 640 (640 once wrapped).
+const char* const bad_sizes[] = {"12", "7x16", "8x15", "4097x480", "640x4097", "-640x480", "x480", "4294967936x480"};
 
 }  // namespace
 

@@ -32,7 +32,7 @@ void set_pixel(test_console& console, int x, int y)
 // The image written as a PNG in the temporary folder and read back.
 c_png_picture written_and_read(test_console& console)
 {
-    std::string name = (std::filesystem::temp_directory_path() / ("vexil_host_" + std::to_string(getpid()) + ".png")).string();
+    const std::string name = std::filesystem::temp_directory_path() / ("vexil_" + std::to_string(getpid()) + ".png");
     std::string error;
     EXPECT_TRUE(write_png(name.c_str(), screen_image(console.engine), error)) << error;
     c_png_picture picture;

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 
@@ -18,6 +19,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 constexpr int step_limit = 1000;  // about 16 s of frames: only a broken host waits this long
 
 // The same keys into the same engine with no window and no thread: straight to the editor.
@@ -36,6 +38,7 @@ struct c_reference {
     c_vexil engine;
 };
 
+// A key pressed, a character typed or the close button clicked, by the event's type.
 void push(SDL_EventType type, SDL_Keycode key = 0, unsigned modifiers = 0, char typed = 0)
 {
     SDL_Event event = {};
@@ -81,7 +84,7 @@ protected:
                 return true;
         return false;
     }
-    bool shows(const std::string& text) { return screen_text(host.engine_for_reading()).find(text) != std::string::npos; }
+    bool shows(const std::string& text) { return screen_text(host.engine_for_reading()).find(text) != text.npos; }
     bool presents(c_vexil& reference) { return host.presented_image().pixels == screen_image(reference).pixels; }
 
     c_options options;
@@ -126,18 +129,18 @@ TEST_F(window_session, f12_saves_the_presented_screen_without_overwriting)
 {
     // Screenshots go to the current directory: a fresh one, removed at the end.
     struct c_scratch_directory {
-        c_scratch_directory() { std::filesystem::create_directories(folder), std::filesystem::current_path(folder); }
-        ~c_scratch_directory() { std::filesystem::current_path(previous), std::filesystem::remove_all(folder); }
-        std::filesystem::path previous = std::filesystem::current_path();
-        std::filesystem::path folder = std::filesystem::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
+        fs::path previous = fs::current_path();
+        fs::path folder = fs::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
+        c_scratch_directory() { fs::create_directories(folder); fs::current_path(folder); }
+        ~c_scratch_directory() { fs::current_path(previous); fs::remove_all(folder); }
     } scratch;
-    std::fclose(std::fopen("vexil-1.png", "w"));  // taken
+    std::ofstream("vexil-1.png");  // taken
     type_lines("print 5\n");
     ASSERT_TRUE(step_until([&] { return shows("\n5\nOk\n"); }));
     push(SDL_KEYDOWN, SDLK_F12);
     push(SDL_KEYDOWN, SDLK_F12);
-    EXPECT_TRUE(step_until([] { return std::filesystem::exists("vexil-3.png"); }));
-    EXPECT_EQ(std::filesystem::file_size("vexil-1.png"), 0u);  // the file that was there is left alone
+    EXPECT_TRUE(step_until([] { return fs::exists("vexil-3.png"); }));
+    EXPECT_EQ(fs::file_size("vexil-1.png"), 0u);  // the file that was there is left alone
     c_png_picture picture;
     ASSERT_TRUE(read_png("vexil-2.png", picture));
     EXPECT_EQ(picture.pixels, host.presented_image().pixels);
@@ -167,8 +170,8 @@ TEST(window_picture, keeps_its_aspect_at_the_largest_whole_scale_that_fits_centr
         {320, 480, 0, 120, 320, 240},       // smaller than the screen: shrunk, aspect kept
     };
     for (const auto& c : cases) {
-        const c_picture_place place = picture_place(c.drawable_width, c.drawable_height, 640, 480);
-        EXPECT_EQ(std::vector({place.x, place.y, place.width, place.height}), std::vector({c.x, c.y, c.width, c.height}))
-            << c.drawable_width << "x" << c.drawable_height;
+        const c_picture_place placed = picture_place(c.drawable_width, c.drawable_height, 640, 480);
+        EXPECT_EQ(std::vector({placed.x, placed.y, placed.width, placed.height}),
+            std::vector({c.x, c.y, c.width, c.height})) << c.drawable_width << "x" << c.drawable_height;
     }
 }
