@@ -18,12 +18,22 @@ std::string outcome(std::vector<const char*> arguments)
     if (!parse_command_line(static_cast<int>(arguments.size()), arguments.data(), o, error))
         return "error: " + error;
     const char* hosts[] = {"automatic", "headless", "window", "terminal"};
-    std::string text = hosts[static_cast<int>(o.host)] + (" " + std::to_string(o.screen_width)) + "x" +
-                       std::to_string(o.screen_height);
-    text += o.window_scale != 0 ? " scale " + std::to_string(o.window_scale) : "";
-    text += (o.print_screen ? " screen" : "") + (o.png_file.empty() ? "" : " png " + o.png_file);
-    text += (o.program_file.empty() ? "" : " file " + o.program_file);
-    return text + (o.show_help ? " help" : "") + (o.show_version ? " version" : "");
+    // Appended piece by piece: g++ 12 warns falsely about chains of + on strings at -O2.
+    std::string text = hosts[static_cast<int>(o.host)];
+    text.append(" ").append(std::to_string(o.screen_width)).append("x").append(std::to_string(o.screen_height));
+    if (o.window_scale != 0)
+        text.append(" scale ").append(std::to_string(o.window_scale));
+    if (o.print_screen)
+        text.append(" screen");
+    if (!o.png_file.empty())
+        text.append(" png ").append(o.png_file);
+    if (!o.program_file.empty())
+        text.append(" file ").append(o.program_file);
+    if (o.show_help)
+        text.append(" help");
+    if (o.show_version)
+        text.append(" version");
+    return text;
 }
 
 struct argument_case {
