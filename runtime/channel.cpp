@@ -62,6 +62,19 @@ bool read_channel_and_name(int& channel, char (&name)[file_name_size], const uns
     return true;
 }
 
+// The open stream of a channel, or null after recording 9 for a number outside 0 to 9 or 19 for a
+// closed channel.
+std::FILE* open_stream(std::FILE* const (&files)[channel_count], int channel, c_system_resource* res)
+{
+    if (!channel_in_range(channel)) {
+        res->error_code.raise(error_illegal_parameter);
+        return nullptr;
+    }
+    if (files[channel] == nullptr)
+        res->error_code.raise(error_invalid_descriptor);
+    return files[channel];
+}
+
 void open_channel(const unsigned char*& p, c_system_resource* res, const char* mode)
 {
     int channel;
@@ -103,30 +116,20 @@ void c_interpreter::file_close(int channel)
 // No flush: the C library decides when the bytes reach the file, and closing the channel writes them.
 void c_interpreter::file_print(int channel, const char* text, int length)
 {
-    if (!channel_in_range(channel)) {
-        p_system_resource->error_code.raise(error_illegal_parameter);
+    std::FILE* stream = open_stream(files, channel, p_system_resource);
+    if (stream == nullptr)
         return;
-    }
-    if (files[channel] == nullptr) {
-        p_system_resource->error_code.raise(error_invalid_descriptor);
-        return;
-    }
-    if (std::fwrite(text, 1, length, files[channel]) < static_cast<std::size_t>(length))
+    if (std::fwrite(text, 1, length, stream) < static_cast<std::size_t>(length))
         p_system_resource->error_code.raise(error_device_io);
 }
 
 // One line, its line end kept, at most size - 1 bytes; 0 after a failure, the end of the file included.
 int c_interpreter::file_input(int channel, char* buffer, int size)
 {
-    if (!channel_in_range(channel)) {
-        p_system_resource->error_code.raise(error_illegal_parameter);
+    std::FILE* stream = open_stream(files, channel, p_system_resource);
+    if (stream == nullptr)
         return 0;
-    }
-    if (files[channel] == nullptr) {
-        p_system_resource->error_code.raise(error_invalid_descriptor);
-        return 0;
-    }
-    if (std::fgets(buffer, size, files[channel]) == nullptr) {
+    if (std::fgets(buffer, size, stream) == nullptr) {
         p_system_resource->error_code.raise(error_device_io);
         return 0;
     }
@@ -136,15 +139,10 @@ int c_interpreter::file_input(int channel, char* buffer, int size)
 // -1 only once a read has hit the end: reading the last line up to its line end does not.
 int c_interpreter::file_eof(int channel)
 {
-    if (!channel_in_range(channel)) {
-        p_system_resource->error_code.raise(error_illegal_parameter);
+    std::FILE* stream = open_stream(files, channel, p_system_resource);
+    if (stream == nullptr)
         return 0;
-    }
-    if (files[channel] == nullptr) {
-        p_system_resource->error_code.raise(error_invalid_descriptor);
-        return 0;
-    }
-    return std::feof(files[channel]) ? -1 : 0;
+    return std::feof(stream) ? -1 : 0;
 }
 
 void c_interpreter::all_file_close()
