@@ -87,6 +87,16 @@ void print_value(const unsigned char*& p, c_system_resource* res)
         res->p_text_editor->put_str("\r\n");
 }
 
+// Renumbering stays within 1 to 99999, the numbers a line can be typed with, so every line can still
+// be edited and the numbers can never wrap out of their order.
+bool numbers_fit(const c_program_list& program, int start, int step)
+{
+    long long last = start;
+    for (const c_program_line* line = program.first; line != nullptr && line->next != nullptr; line = line->next)
+        last += step;
+    return last <= 99999;
+}
+
 }  // namespace
 
 // Only the key loop looks at running: the rest of this line, and of the program, still runs.
@@ -226,7 +236,7 @@ void cmd_renum(const unsigned char*& p, c_system_resource* res)
         if (!at_statement_end(p))
             step = evaluate_integer(p, res, code);
     }
-    if (start <= 0 || step <= 0) {
+    if (start <= 0 || step <= 0 || !numbers_fit(res->p_interpreter->program_list, start, step)) {
         res->error_code.raise(error_illegal_parameter);
         return;
     }
