@@ -102,6 +102,15 @@ TEST_F(window_session, typed_keys_present_the_image_the_engine_composes_without_
     EXPECT_EQ(host.finish(), 0);
 }
 
+// Frames are drawn while the engine prints and plots: the last one must still be exactly its screen.
+TEST_F(window_session, a_program_printing_and_plotting_while_frames_are_drawn_ends_with_its_last_screen)
+{
+    const std::string program = "10 for i=1 to 3000\n20 print i\n30 set_pixel i mod 640, i mod 480, 2016\n40 next\nrun\n";
+    type_lines(program);
+    c_reference reference(program);
+    EXPECT_TRUE(step_until([&] { return presents(reference.engine); }));
+}
+
 TEST_F(window_session, paste_types_the_clipboard_as_keys_even_past_a_full_ring)
 {
     // 160 keys before the first Enter: more than the ring's 127, so the feeder has to wait for room.
