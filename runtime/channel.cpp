@@ -50,13 +50,12 @@ bool read_channel_and_name(int& channel, char (&name)[file_name_size], const uns
     c_value file;  // a fresh value, so that an absent name is empty
     if (read_argument(file, p, res) != 0)
         return false;
-    if (int code = file.convert_to_string(); code != 0) {
+    const char* text;
+    int length;
+    if (int code = file.string_form(text, length); code != 0) {
         res->error_code.raise(code);
         return false;
     }
-    const char* text;
-    int length;
-    file.current->get_string(text, length);
     std::memcpy(name, text, length);
     name[length] = '\0';
     return true;
@@ -188,13 +187,12 @@ void cmd_fprint(const unsigned char*& p, c_system_resource* res)
     c_value value;  // a fresh value, so that an absent one prints as nothing
     if (read_argument(value, p, res) != 0)
         return;
-    if (int code = value.convert_to_string(); code != 0) {
+    const char* text;
+    int length;
+    if (int code = value.string_form(text, length); code != 0) {
         res->error_code.raise(code);
         return;
     }
-    const char* text;
-    int length;
-    value.current->get_string(text, length);
     res->p_interpreter->file_print(channel, text, length);
     if (take_token(p, token_semicolon))
         return;

@@ -60,11 +60,10 @@ int read_file_name(const unsigned char*& p, c_system_resource* res, char (&name)
 {
     c_value value;
     int code = evaluate(value, p, res);
-    int conversion = value.convert_to_string();
-    res->error_code.raise(conversion);
     const char* text;
     int length;
-    value.current->get_string(text, length);
+    int conversion = value.string_form(text, length);
+    res->error_code.raise(conversion);
     std::memcpy(name, text, length);
     name[length] = '\0';
     return code != 0 ? code : conversion;
@@ -75,13 +74,12 @@ void print_value(const unsigned char*& p, c_system_resource* res)
 {
     c_value value;
     (void)evaluate(value, p, res);
-    if (int code = value.convert_to_string(); code != 0) {
+    const char* text;
+    int length;
+    if (int code = value.string_form(text, length); code != 0) {
         res->error_code.raise(code);
         return;
     }
-    const char* text;
-    int length;
-    value.current->get_string(text, length);
     res->p_text_editor->put_str(text, length);
     if (!take_token(p, token_semicolon))
         res->p_text_editor->put_str("\r\n");

@@ -30,8 +30,7 @@ int read_argument(c_value& value, const unsigned char*& p, c_system_resource* re
 // The value's string form, as text and byte count; a number too large for its text reads as empty.
 void read_text(c_value& value, const char*& text, int& length, c_system_resource* res)
 {
-    res->error_code.raise(value.convert_to_string());
-    value.current->get_string(text, length);
+    res->error_code.raise(value.string_form(text, length));
 }
 
 // The separator between two arguments; its absence is 9.

@@ -145,6 +145,13 @@ public:
     }
     // Makes the value its own text form; a none becomes the empty string.
     [[nodiscard]] int convert_to_string();
+    // convert_to_string, then the text and its byte count; on a failure the text is empty.
+    [[nodiscard]] int string_form(const char*& text, int& length)
+    {
+        int code = convert_to_string();
+        current->get_string(text, length);
+        return code;
+    }
     int get_type() const { return current->get_type(); }
 
     c_base_type* current = &base_value;
