@@ -2,7 +2,6 @@
 #include "host/headless_host.h"
 
 #include <poll.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,37 +10,11 @@
 #include <string>
 #include <thread>
 
+#include "host/interrupt_handler.h"
 #include "host/png_writer.h"
 #include "host/screen_capture.h"
 
 namespace {
-
-// The engine that Control+C breaks. A break is one relaxed atomic store, safe in a signal handler.
-std::atomic<c_vexil*> p_break_engine{nullptr};
-
-void on_interrupt(int)
-{
-    if (c_vexil* engine = p_break_engine.load())
-        engine->force_break();
-}
-
-struct c_interrupt_handler {
-    explicit c_interrupt_handler(c_vexil* engine)
-    {
-        p_break_engine = engine;
-        struct sigaction action = {};
-        action.sa_handler = on_interrupt;
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = SA_RESTART;
-        sigaction(SIGINT, &action, &previous);
-    }
-    ~c_interrupt_handler()
-    {
-        sigaction(SIGINT, &previous, nullptr);
-        p_break_engine = nullptr;
-    }
-    struct sigaction previous = {};
-};
 
 // A pipe whose write end wakes the reader out of its wait for standard input.
 struct c_wake_pipe {

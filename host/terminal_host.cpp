@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "host/interrupt_handler.h"
 #include "host/png_writer.h"
 #include "host/screen_capture.h"
 #include "host/terminal_keys.h"
@@ -16,33 +17,6 @@
 namespace {
 
 using host_clock = std::chrono::steady_clock;
-
-// Raw mode turns Control+C into a key; a SIGINT sent from elsewhere still only breaks.
-std::atomic<c_vexil*> p_break_engine{nullptr};
-
-void on_interrupt(int)
-{
-    if (c_vexil* engine = p_break_engine.load())
-        engine->force_break();
-}
-
-// Installed before the terminal opens, so curses keeps its own handler out of the way.
-struct c_interrupt_handler {
-    c_interrupt_handler()
-    {
-        struct sigaction action = {};
-        action.sa_handler = on_interrupt;
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = SA_RESTART;
-        sigaction(SIGINT, &action, &previous);
-    }
-    ~c_interrupt_handler()
-    {
-        sigaction(SIGINT, &previous, nullptr);
-        p_break_engine = nullptr;
-    }
-    struct sigaction previous = {};
-};
 
 // Whether the command line gave a size: one equal to the default cannot be told from none.
 bool size_given(const c_options& options)
@@ -59,6 +33,8 @@ c_terminal_host::c_terminal_host(const c_options& options) : options(options)
 
 int c_terminal_host::run()
 {
+    // Installed before the terminal opens, so curses keeps its own handler out of the way. Raw mode turns
+    // Control+C into a key; a SIGINT sent from elsewhere still only breaks.
     c_interrupt_handler interrupt_handler;
     std::string error;
     if (!screen.open(error)) {
@@ -69,7 +45,7 @@ int c_terminal_host::run()
     c_vexil& engine = *p_engine;
     set_geometry();
     engine.initialize(this);
-    p_break_engine = &engine;
+    interrupt_handler.set_engine(&engine);
     const char* program = options.program_file.empty() ? nullptr : options.program_file.c_str();
     std::thread engine_thread([&] {
         engine.run(program);
