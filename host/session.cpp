@@ -163,10 +163,12 @@ void c_session::break_program()
     changed.notify_all();
 }
 
-void c_session::end()
+void c_session::end(int signal)
 {
     {
         std::lock_guard<std::mutex> guard(mutex);
+        if (!ending && signal != 0)
+            end_signal = signal;
         ending = true;
         pending_keys.clear();
     }
@@ -192,6 +194,8 @@ int c_session::finish()
     changed.notify_all();
     if (feeder.joinable())
         feeder.join();
+    if (end_signal != 0)
+        return exit_signal_base + end_signal;
     if (timed_out)
         return exit_timed_out;
     return error_seen || load_failed ? exit_error : 0;

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "host/interrupt_handler.h"
 #include "host/png_writer.h"
 #include "host/window_keys.h"
 
@@ -18,6 +19,8 @@ namespace {
 
 // Room for the window's frame and title bar, so that the opening scale really fits.
 constexpr int window_frame_allowance = 48;
+constexpr const char* window_title = "VEXIL";
+constexpr std::uint32_t title_shown_ms = 2000;  // a screenshot's name stays in the title this long
 
 // The largest whole scale at which the screen fits the desktop, at least 1.
 int fitting_scale(int width, int height)
@@ -59,6 +62,7 @@ c_window_host::~c_window_host()
 
 int c_window_host::run()
 {
+    c_interrupt_handler interrupt_handler(&engine, true);
     std::string error;
     if (!open(error)) {
         std::fprintf(stderr, "vexil: %s\n", error.c_str());
@@ -74,6 +78,8 @@ bool c_window_host::open(std::string& error)
 {
     // Nearest neighbour, so that text stays crisp at every scale.
     SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "0");
+    // Signals are the session's: SIGINT breaks, SIGHUP and SIGTERM end it and keep the program.
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;
@@ -87,7 +93,7 @@ bool c_window_host::open(std::string& error)
     const int width = options.screen_width;
     const int height = options.screen_height;
     const int scale = options.window_scale > 0 ? options.window_scale : fitting_scale(width, height);
-    p_window = SDL_CreateWindow("VEXIL", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
+    p_window = SDL_CreateWindow(window_title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
         height * scale, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (p_window == nullptr) {
         error = std::string("cannot open a window: ") + SDL_GetError();
@@ -126,6 +132,14 @@ bool c_window_host::step()
         handle_event(event);
         have_event = SDL_PollEvent(&event) != 0;
     }
+    if (int signal = c_interrupt_handler::end_requested(); signal != 0 && !closing) {
+        closing = true;
+        end(signal);
+    }
+    if (title_reset_ms != 0 && SDL_GetTicks() >= title_reset_ms) {
+        SDL_SetWindowTitle(p_window, window_title);
+        title_reset_ms = 0;
+    }
     if (SDL_GetTicks() >= next_frame_ms) {
         draw_frame();
         next_frame_ms = SDL_GetTicks() + frame_interval_ms;
@@ -142,6 +156,7 @@ int c_window_host::finish()
         }
         exit_status = c_session::finish();
         started = false;
+        recover_program();
     }
     if (!options.png_file.empty() && p_texture != nullptr) {
         std::string error;
@@ -178,6 +193,11 @@ c_rgb_image c_window_host::presented_image() const
 }
 
 // Both only mark the image: the window draws at its own pace, and changed cells stay marked until then.
+std::string c_window_host::title() const
+{
+    return SDL_GetWindowTitle(p_window);
+}
+
 void c_window_host::update_screen()
 {
     full_draw_asked = true;
@@ -269,8 +289,13 @@ void c_window_host::save_screenshot()
     draw_frame();
     const std::string name = next_screenshot_name();
     std::string error;
-    if (!write_png(name.c_str(), presented_image(), error))
+    if (!write_png(name.c_str(), presented_image(), error)) {
         report(error);
+        return;
+    }
+    report("saved the screen as " + name);
+    SDL_SetWindowTitle(p_window, (std::string(window_title) + ": saved " + name).c_str());
+    title_reset_ms = std::max<std::uint32_t>(SDL_GetTicks() + title_shown_ms, 1);
 }
 
 // Breaks a running program and ends the key loop; the loop goes on until run has returned.

@@ -39,6 +39,7 @@ public:
 
     // The image as last presented, upright; for F12 and for tests.
     c_rgb_image presented_image() const;
+    std::string title() const;
     c_vexil& engine_for_reading() { return engine; }
 
     void update_screen() override;
@@ -74,6 +75,7 @@ private:
     std::atomic<bool> image_dirty{true};
     std::atomic<bool> full_draw_asked{true};
     std::uint32_t wake_event = 0;             // an SDL user event that wakes the event loop
+    std::uint32_t title_reset_ms = 0;         // when the title names a screenshot: the tick to reset it
 };
 
 // Where the picture goes in a drawable of the given size: centred, its aspect kept, at a whole scale

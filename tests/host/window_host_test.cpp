@@ -12,6 +12,7 @@
 
 #include <unistd.h>
 
+#include "host/interrupt_handler.h"
 #include "host/png_reader.h"
 #include "host/screen_capture.h"
 #include "host/window_host.h"
@@ -59,6 +60,28 @@ void type_lines(const std::string& lines)
         c == '\n' ? push(SDL_KEYDOWN, SDLK_RETURN) : push(SDL_TEXTINPUT, 0, 0, c);
 }
 
+// Screenshots and recovered programs go to the current directory: a fresh one, removed at the end.
+struct c_scratch_directory {
+    fs::path previous = fs::current_path();
+    fs::path folder = fs::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
+    c_scratch_directory()
+    {
+        fs::create_directories(folder);
+        fs::current_path(folder);
+    }
+    ~c_scratch_directory()
+    {
+        fs::current_path(previous);
+        fs::remove_all(folder);
+    }
+};
+
+std::string file_text(const char* name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
 class window_session : public ::testing::Test {
 protected:
     void SetUp() override
@@ -87,6 +110,7 @@ protected:
     bool shows(const std::string& text) { return screen_text(host.engine_for_reading()).find(text) != text.npos; }
     bool presents(c_vexil& reference) { return host.presented_image().pixels == screen_image(reference).pixels; }
 
+    c_scratch_directory scratch;  // made before the host and removed after it
     c_options options;
     c_window_host host{options};
 };
@@ -136,19 +160,13 @@ TEST_F(window_session, control_shift_c_copies_the_grid_as_text)
 
 TEST_F(window_session, f12_saves_the_presented_screen_without_overwriting)
 {
-    // Screenshots go to the current directory: a fresh one, removed at the end.
-    struct c_scratch_directory {
-        fs::path previous = fs::current_path();
-        fs::path folder = fs::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
-        c_scratch_directory() { fs::create_directories(folder); fs::current_path(folder); }
-        ~c_scratch_directory() { fs::current_path(previous); fs::remove_all(folder); }
-    } scratch;
     std::ofstream("vexil-1.png");  // taken
     type_lines("print 5\n");
     ASSERT_TRUE(step_until([&] { return shows("\n5\nOk\n"); }));
     push(SDL_KEYDOWN, SDLK_F12);
     push(SDL_KEYDOWN, SDLK_F12);
     EXPECT_TRUE(step_until([] { return fs::exists("vexil-3.png"); }));
+    EXPECT_EQ(host.title(), "VEXIL: saved vexil-3.png");  // for two seconds
     EXPECT_EQ(fs::file_size("vexil-1.png"), 0u);  // the file that was there is left alone
     c_png_picture picture;
     ASSERT_TRUE(read_png("vexil-2.png", picture));
@@ -166,6 +184,38 @@ TEST_F(window_session, the_close_button_breaks_a_program_that_loops_forever_and_
     EXPECT_TRUE(step_to_the_end());
     EXPECT_EQ(host.finish(), 0);
     EXPECT_TRUE(shows("run\nBreak at 10.\nOk")) << screen_text(host.engine_for_reading());
+}
+
+TEST_F(window_session, closing_keeps_a_changed_program_in_a_new_recovery_file_and_an_unchanged_one_in_none)
+{
+    std::ofstream("vexil-recovered.bas") << "older";
+    type_lines("10 print 1\n20 print \"two\"\nlist\n");
+    ASSERT_TRUE(step_until([&] { return shows("list\n10 print 1\n20 print \"two\"\nOk"); }));
+    push(SDL_WINDOWEVENT);
+    EXPECT_TRUE(step_to_the_end());
+    EXPECT_EQ(host.finish(), 0);
+    EXPECT_EQ(file_text("vexil-recovered.bas"), "older");
+    EXPECT_EQ(file_text("vexil-recovered-2.bas"), "print 1\r\nprint \"two\"\r\n");
+}
+
+TEST_F(window_session, sigterm_ends_the_session_as_the_signal_would_and_keeps_the_program)
+{
+    c_interrupt_handler signals(&host.engine_for_reading(), true);
+    type_lines("10 print 1\nlist\n");
+    ASSERT_TRUE(step_until([&] { return shows("list\n10 print 1\nOk"); }));
+    ASSERT_EQ(raise(SIGTERM), 0);
+    EXPECT_TRUE(step_to_the_end());
+    EXPECT_EQ(host.finish(), 128 + SIGTERM);
+    EXPECT_EQ(file_text("vexil-recovered.bas"), "print 1\r\n");
+}
+
+TEST_F(window_session, a_program_saved_before_the_end_is_not_recovered)
+{
+    type_lines("10 print 1\nsave \"kept.bas\"\nexit\n");
+    EXPECT_TRUE(step_to_the_end());
+    EXPECT_EQ(host.finish(), 0);
+    EXPECT_EQ(file_text("kept.bas"), "print 1\r\n");
+    EXPECT_FALSE(fs::exists("vexil-recovered.bas"));
 }
 
 TEST(window_picture, keeps_its_aspect_at_the_largest_whole_scale_that_fits_centred)
