@@ -17,19 +17,18 @@
 
 namespace {
 
-// Room for the window's frame and title bar, so that the opening scale really fits.
-constexpr int window_frame_allowance = 48;
+// The window's frame and title bar as most desktops draw them, until the window manager says.
+constexpr c_window_frame frame_allowance = {16, 48};
 constexpr const char* window_title = "VEXIL";
 constexpr std::uint32_t title_shown_ms = 2000;  // a screenshot's name stays in the title this long
 
-// The largest whole scale at which the screen fits the desktop, at least 1.
-int fitting_scale(int width, int height)
+// The frame the window manager put around the window; the allowance until it has said.
+c_window_frame frame_of(SDL_Window* window)
 {
-    SDL_Rect desktop;
-    if (SDL_GetDisplayUsableBounds(0, &desktop) != 0)
-        return 1;
-    const int scale = std::min(desktop.w / width, (desktop.h - window_frame_allowance) / height);
-    return std::max(scale, 1);
+    int top = 0, left = 0, bottom = 0, right = 0;
+    if (SDL_GetWindowBordersSize(window, &top, &left, &bottom, &right) != 0 || top + bottom == 0)
+        return frame_allowance;
+    return {left + right, top + bottom};
 }
 
 // Without a display SDL falls back to drivers that show nothing; those only when asked for by name.
@@ -92,12 +91,22 @@ bool c_window_host::open(std::string& error)
     wake_event = SDL_RegisterEvents(1);
     const int width = options.screen_width;
     const int height = options.screen_height;
-    const int scale = options.window_scale > 0 ? options.window_scale : fitting_scale(width, height);
+    SDL_Rect usable = {0, 0, width, height};
+    const bool fits_desktop = options.window_scale == 0 && SDL_GetDisplayUsableBounds(0, &usable) == 0;
+    const int scale = fits_desktop ? fitting_scale(usable.w, usable.h, frame_allowance, width, height) : std::max(options.window_scale, 1);
     p_window = SDL_CreateWindow(window_title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
         height * scale, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (p_window == nullptr) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;
+    }
+    // Panels and decorations: once the real frame is known, a scale that no longer fits is lowered.
+    if (fits_desktop) {
+        const int fitting = fitting_scale(usable.w, usable.h, frame_of(p_window), width, height);
+        if (fitting < scale) {
+            SDL_SetWindowSize(p_window, width * fitting, height * fitting);
+            SDL_SetWindowPosition(p_window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        }
     }
     // The engine starts as soon as the window exists: making a renderer can take a good part of a
     // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
@@ -359,6 +368,12 @@ void c_window_host::present()
     SDL_RenderCopy(p_renderer, p_texture, nullptr, &target);
     SDL_RenderPresent(p_renderer);
     needs_present = false;
+}
+
+int fitting_scale(int usable_width, int usable_height, c_window_frame frame, int width, int height)
+{
+    const int scale = std::min((usable_width - frame.width) / width, (usable_height - frame.height) / height);
+    return std::max(scale, 1);
 }
 
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height)

@@ -85,5 +85,13 @@ struct c_picture_place {
 };
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height);
 
+// The room a window's frame takes around its picture, across and down.
+struct c_window_frame {
+    int width, height;
+};
+// The largest whole scale at which the screen and the window's frame fit the desktop's usable area
+// (without its panels), at least 1.
+int fitting_scale(int usable_width, int usable_height, c_window_frame frame, int width, int height);
+
 // True when SDL can open a real display (not its offscreen or dummy driver): the automatic choice.
 bool window_display_available();

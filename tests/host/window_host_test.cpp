@@ -234,3 +234,19 @@ TEST(window_picture, keeps_its_aspect_at_the_largest_whole_scale_that_fits_centr
             std::vector({c.x, c.y, c.width, c.height})) << c.drawable_width << "x" << c.drawable_height;
     }
 }
+
+TEST(window_scale, is_the_largest_whole_one_at_which_screen_and_frame_fit_the_usable_area)
+{
+    struct scale_case { int usable_width, usable_height, frame_width, frame_height, scale; };
+    const scale_case cases[] = {
+        {1920, 1050, 16, 48, 2},   // a 1080 desktop less its panel: 1440 high would not fit
+        {1936, 1488, 16, 48, 3},   // exactly 3 with the frame
+        {1935, 1488, 16, 48, 2},   // one pixel short across
+        {1936, 1487, 16, 48, 2},   // and down
+        {1366, 738, 2, 30, 1},
+        {600, 400, 16, 48, 1},     // smaller than the screen: still 1
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(fitting_scale(c.usable_width, c.usable_height, {c.frame_width, c.frame_height}, 640, 480), c.scale)
+            << c.usable_width << "x" << c.usable_height;
+}
