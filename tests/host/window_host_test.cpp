@@ -53,6 +53,15 @@ void push(SDL_EventType type, SDL_Keycode key = 0, unsigned modifiers = 0, char 
     ASSERT_EQ(SDL_PushEvent(&event), 1);
 }
 
+// Text as an input method hands it over, several characters (in UTF-8) in one event.
+void push_text(const char* text)
+{
+    SDL_Event event = {};
+    event.type = SDL_TEXTINPUT;
+    SDL_strlcpy(event.text.text, text, sizeof event.text.text);
+    ASSERT_EQ(SDL_PushEvent(&event), 1);
+}
+
 // Types lines the way the keyboard does: each character as text, each line end as Enter.
 void type_lines(const std::string& lines)
 {
@@ -133,6 +142,14 @@ TEST_F(window_session, a_program_printing_and_plotting_while_frames_are_drawn_en
     type_lines(program);
     c_reference reference(program);
     EXPECT_TRUE(step_until([&] { return presents(reference.engine); }));
+}
+
+TEST_F(window_session, text_input_types_each_character_it_cannot_show_as_one_question_mark)
+{
+    push_text("print \"\xC3\xA9\xE2\x82\xAC");  // e acute (AltGr or a dead key), the euro sign
+    push_text("x\"");
+    push(SDL_KEYDOWN, SDLK_RETURN);
+    EXPECT_TRUE(step_until([&] { return shows("print \"??x\"\n??x\nOk\n"); })) << screen_text(host.engine_for_reading());
 }
 
 TEST_F(window_session, paste_types_the_clipboard_as_keys_even_past_a_full_ring)
