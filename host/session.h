@@ -26,6 +26,10 @@ constexpr int exit_signal_base = 128;  // plus the signal that ended the session
 // "" when it can be. A file line the load would split, or one past the last line number, is refused.
 std::string program_file_problem(const std::string& name);
 
+// The first of STEM EXTENSION (only when first_number is 0), STEM-2 EXTENSION, STEM-3 EXTENSION, ...
+// (from STEM-1 when first_number is 1) that does not exist in the current directory: never overwriting.
+std::string unused_file_name(const std::string& stem, const std::string& extension, int first_number);
+
 class c_session : public c_vexil_callback {
 public:
     explicit c_session(const c_options& options);

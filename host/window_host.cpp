@@ -37,16 +37,6 @@ bool shows_a_display(const char* driver)
     return driver != nullptr && std::strcmp(driver, "offscreen") != 0 && std::strcmp(driver, "dummy") != 0;
 }
 
-std::string next_screenshot_name()
-{
-    for (int number = 1;; ++number) {
-        std::string name = "vexil-" + std::to_string(number) + ".png";
-        std::error_code error;
-        if (!std::filesystem::exists(name, error) && !error)
-            return name;
-    }
-}
-
 }  // namespace
 
 c_window_host::c_window_host(const c_options& options) : c_session(options)
@@ -64,7 +54,7 @@ int c_window_host::run()
     c_interrupt_handler interrupt_handler(&engine, true);
     std::string error;
     if (!open(error)) {
-        std::fprintf(stderr, "vexil: %s\n", error.c_str());
+        report(error);
         (void)finish();
         return 1;
     }
@@ -201,12 +191,12 @@ c_rgb_image c_window_host::presented_image() const
     return image;
 }
 
-// Both only mark the image: the window draws at its own pace, and changed cells stay marked until then.
 std::string c_window_host::title() const
 {
     return SDL_GetWindowTitle(p_window);
 }
 
+// Both only mark the image: the window draws at its own pace, and changed cells stay marked until then.
 void c_window_host::update_screen()
 {
     full_draw_asked = true;
@@ -296,7 +286,7 @@ void c_window_host::copy_text()
 void c_window_host::save_screenshot()
 {
     draw_frame();
-    const std::string name = next_screenshot_name();
+    const std::string name = unused_file_name("vexil", ".png", 1);
     std::string error;
     if (!write_png(name.c_str(), presented_image(), error)) {
         report(error);
