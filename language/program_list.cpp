@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "console/text_editor.h"
+#include "engine/allocation.h"
 #include "engine/error.h"
 #include "engine/system_resource.h"
 #include "language/parser.h"
@@ -27,7 +27,7 @@ bool fill(c_program_line* line, const c_parser* parser)
 {
     int code_length = parser->code_length;
     std::size_t source_length = std::strlen(parser->source);
-    std::unique_ptr<unsigned char[]> block(new (std::nothrow) unsigned char[code_length + source_length + 1]);
+    std::unique_ptr<unsigned char[]> block(allocate_array<unsigned char>(code_length + source_length + 1));
     if (block == nullptr)
         return false;
     std::memcpy(block.get(), parser->code, code_length);
@@ -75,6 +75,13 @@ void remove(c_program_list& program, c_program_line* line)
     delete line;
 }
 
+// Blank text (-1) is to delete. A translation that ran out of memory stores nothing either: a line
+// kept without its code would fail only when run, with a syntax error that hides the cause.
+bool translated(c_parser* parser, const char* text, c_program_line* line, c_system_resource* res)
+{
+    return parser->precompile(text, line) != -1 && res->error_code != error_out_of_memory;
+}
+
 // The old code's references go back before the new text is translated, so a variable that only
 // this line named starts afresh: re-entering "10 i=i+1" counts from 0 again. Blank text deletes.
 void replace(c_program_list& program, c_program_line* line, c_parser* parser, const char* text)
@@ -83,7 +90,7 @@ void replace(c_program_list& program, c_program_line* line, c_parser* parser, co
     res->p_variable_manager->line_release(line->code, line->code_length, line);
     line->code = nullptr;
     line->code_length = 0;
-    if (parser->precompile(text, line) == -1 || !store(line, parser, res))
+    if (!translated(parser, text, line, res) || !store(line, parser, res))
         remove(program, line);
 }
 
@@ -91,12 +98,12 @@ void replace(c_program_list& program, c_program_line* line, c_parser* parser, co
 void add_new(c_program_list& program, c_program_line* before, c_parser* parser, const char* text)
 {
     c_system_resource* res = program.p_system_resource;
-    auto* line = new (std::nothrow) c_program_line;
+    auto* line = allocate_object<c_program_line>();
     if (line == nullptr) {
         res->error_code.raise(error_out_of_memory);
         return;
     }
-    if (parser->precompile(text, line) == -1 || !store(line, parser, res)) {
+    if (!translated(parser, text, line, res) || !store(line, parser, res)) {
         delete line;
         return;
     }

@@ -15,7 +15,8 @@ public:
     ~c_program_list();
 
     // Stores, replaces or deletes the line numbered by parser->line_number; 22 "Out of memory"
-    // leaves the line absent; a failed translation stores the source with no code.
+    // (in translation too) leaves the line absent; another failed translation stores the source
+    // with no code.
     void add(c_parser* parser, const char* text);
     void renumber(int start, int step);
     void clear();
