@@ -6,7 +6,9 @@
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "console/text_editor.h"
@@ -20,6 +22,8 @@ namespace {
 
 constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
 constexpr int file_line_size = 256;     // a file line of at most 255 characters and its terminator
+constexpr int name_capacity = 260;      // a file name as the commands pass it, terminator included
+constexpr char temporary_suffix[] = ".vexil-saving";
 
 // Copies the workspace's code and source into one new block; false when the block cannot be had,
 // with the record unchanged.
@@ -124,6 +128,47 @@ bool number_line(c_parser& parser, long long number, c_system_resource* res)
     return res->error_code == error_none;
 }
 
+// Every byte written, flushed and closed, or false.
+bool write_lines(std::FILE* file, const c_program_line* first)
+{
+    bool written = true;
+    for (const c_program_line* line = first; line != nullptr && written; line = line->next) {
+        const std::size_t length = std::strlen(line->source);
+        written = std::fwrite(line->source, 1, length, file) == length && std::fwrite("\r\n", 1, 2, file) == 2;
+    }
+    written = written && std::fflush(file) == 0;
+    return std::fclose(file) == 0 && written;
+}
+
+// A device or a pipe cannot be replaced: it is written as it is.
+bool write_in_place(const char* name, const c_program_line* first)
+{
+    std::FILE* file = std::fopen(name, "wb");
+    return file != nullptr && write_lines(file, first);
+}
+
+// A file is replaced only by a complete new one: the program goes to a file beside it, which takes the
+// old one's name and permissions once every byte is written. A full disk, a file-size limit or any
+// other failure leaves the old file as it was.
+bool write_replacing(const char* name, const c_program_line* first)
+{
+    char temporary[name_capacity + sizeof temporary_suffix];
+    if (std::snprintf(temporary, sizeof temporary, "%s%s", name, temporary_suffix) >= static_cast<int>(sizeof temporary))
+        return false;
+    std::FILE* file = std::fopen(temporary, "wb");
+    if (file == nullptr)
+        return false;
+    std::error_code failure;
+    const auto permissions = std::filesystem::status(name, failure).permissions();
+    if (write_lines(file, first) && std::rename(temporary, name) == 0) {
+        if (permissions != std::filesystem::perms::unknown)
+            std::filesystem::permissions(name, permissions, failure);
+        return true;
+    }
+    std::remove(temporary);
+    return false;
+}
+
 void cut_at_line_end(char* text)
 {
     text[std::strcspn(text, "\r\n")] = '\0';
@@ -180,16 +225,12 @@ void c_program_list::clear()
 
 int c_program_list::save(const char* name)
 {
-    std::FILE* file = std::fopen(name, "wb");
-    if (file == nullptr) {
+    std::error_code failure;
+    const bool replace = std::filesystem::is_regular_file(name, failure) || !std::filesystem::exists(name, failure);
+    if (!(replace ? write_replacing(name, first) : write_in_place(name, first))) {
         p_system_resource->error_code.raise(error_device_io);
         return 0;
     }
-    for (const c_program_line* line = first; line != nullptr; line = line->next) {
-        std::fputs(line->source, file);
-        std::fputs("\r\n", file);
-    }
-    std::fclose(file);
     return 1;
 }
 
@@ -219,8 +260,14 @@ int c_program_list::load(const char* name, int start, int step)
         }
         number += step;
     }
+    // A directory opens but cannot be read: like any file that cannot be read, it cannot be opened.
+    const bool unreadable = std::ferror(file) != 0;
     std::fclose(file);
     current = nullptr;
+    if (unreadable) {
+        p_system_resource->error_code.raise(error_cannot_open);
+        return 0;
+    }
     return 1;
 }
 

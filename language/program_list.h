@@ -20,8 +20,10 @@ public:
     void add(c_parser* parser, const char* text);
     void renumber(int start, int step);
     void clear();
-    int save(const char* name);                       // 1, or 0 with 11 "Device I/O error"
-    int load(const char* name, int start, int step);  // 1, or 0 with the error set
+    // 1, or 0 with 11 "Device I/O error"; on failure a file saved over is left as it was.
+    int save(const char* name);
+    // 1, or 0 with the error set: 12 "Cannot open file" for a file that cannot be opened or read.
+    int load(const char* name, int start, int step);
     void list(int from, int to);
 
     c_program_line* first = nullptr;
