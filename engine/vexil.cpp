@@ -88,7 +88,7 @@ void c_vexil::run(const char* program_name)
 }
 
 // Loads the named program and runs it as if `run` had been typed; a program that cannot be loaded
-// is dropped without a word, unless memory could not hold it, and a clean run prints no "Ok".
+// is dropped without a word, and a clean run prints no "Ok".
 void c_vexil::startup_run(const char* program_name)
 {
     dlog.printf("detect command line parameter.\n");
@@ -98,6 +98,7 @@ void c_vexil::startup_run(const char* program_name)
     interpreter.program_list.load(name, 100, 10);
     if (system_resource.error_code != error_none) {
         dlog.printf("failed program load.\n");
+        // A program that memory could not hold is said so: it is not simply missing.
         if (system_resource.error_code == error_out_of_memory)
             text_editor.put_error(error_out_of_memory, 0);
         system_resource.error_code = error_none;

@@ -3,10 +3,11 @@
 # read back. Checks an answer and its Ok, the grid as wide as the terminal, the editing keys, Control+C
 # breaking an endless line without ending the session, and that after `exit` the session is over and
 # the terminal is back in its normal mode; and that --png still writes the image at the end.
-# usage: terminal.sh VEXIL         (exit status 77, which ctest reports as skipped, when it cannot run)
+# usage: terminal.sh VEXIL
 set -uo pipefail
 
 vexil=$(realpath "$1")
+# Exit status 77 is what ctest reports as skipped: a test that cannot run never counts as passed.
 if ! "$vexil" --help 2>/dev/null | grep -q -- '--terminal'; then
     echo "terminal.sh: skipped: this vexil has no --terminal"
     exit 77
