@@ -22,7 +22,7 @@ namespace {
 
 constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
 constexpr int file_line_size = 256;     // a file line of at most 255 characters and its terminator
-constexpr int name_capacity = 260;      // a file name as the commands pass it, terminator included
+constexpr int path_capacity = 4096;     // a path as long as Linux takes one, terminator included
 constexpr char temporary_suffix[] = ".vexil-saving";
 
 // Copies the workspace's code and source into one new block; false when the block cannot be had,
@@ -152,7 +152,7 @@ bool write_in_place(const char* name, const c_program_line* first)
 // other failure leaves the old file as it was.
 bool write_replacing(const char* name, const c_program_line* first)
 {
-    char temporary[name_capacity + sizeof temporary_suffix];
+    char temporary[path_capacity + sizeof temporary_suffix];
     if (std::snprintf(temporary, sizeof temporary, "%s%s", name, temporary_suffix) >= static_cast<int>(sizeof temporary))
         return false;
     std::FILE* file = std::fopen(temporary, "wb");
@@ -226,8 +226,15 @@ void c_program_list::clear()
 int c_program_list::save(const char* name)
 {
     std::error_code failure;
-    const bool replace = std::filesystem::is_regular_file(name, failure) || !std::filesystem::exists(name, failure);
-    if (!(replace ? write_replacing(name, first) : write_in_place(name, first))) {
+    // Through a symbolic link the file it leads to is replaced, and the link stays a link.
+    std::filesystem::path target = name;
+    if (std::filesystem::is_symlink(target, failure)) {
+        std::filesystem::path resolved = std::filesystem::canonical(target, failure);
+        if (!failure)
+            target = resolved;
+    }
+    const bool replace = std::filesystem::is_regular_file(target, failure) || !std::filesystem::exists(target, failure);
+    if (!(replace ? write_replacing(target.c_str(), first) : write_in_place(name, first))) {
         p_system_resource->error_code.raise(error_device_io);
         return 0;
     }
