@@ -1,11 +1,18 @@
 # make                  build build/vexil
 # make run ARGS="..."   build, then run build/vexil with ARGS
 # make test             build everything and run every test
+# make test VALGRIND=1  the same, with the end-to-end cases run under valgrind's memcheck: no error, no leak
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
 JOBS := -j2
+
+# Any memcheck error, or any block lost (definitely, indirectly or possibly), fails the case.
+ifeq ($(VALGRIND),1)
+PACKAGES += valgrind
+TEST_ENV := VEXIL_E2E_RUNNER="valgrind -q --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible"
+endif
 
 ifeq ($(SANITIZE),1)
 BUILD_DIR := build-sanitize
@@ -27,7 +34,7 @@ run:
 
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
-	cd $(BUILD_DIR) && ctest --output-on-failure
+	cd $(BUILD_DIR) && $(TEST_ENV) ctest --output-on-failure
 
 bench: packages
 	bash bench/run.sh

@@ -46,7 +46,8 @@ c_headless_host::c_headless_host(const c_options& options) : c_session(options),
 int c_headless_host::run()
 {
     c_interrupt_handler interrupt_handler(&engine);
-    initialize();
+    if (!initialize())
+        return exit_error;
     recording = !options.print_screen;
     start();
     c_wake_pipe wake_pipe;

@@ -86,8 +86,12 @@ c_session::c_session(const c_options& options) : options(options)
 
 c_session::~c_session()
 {
-    if (engine_thread.joinable())
+    // Reached with the engine still running only when a host failed half-way (a thread refused):
+    // end the session so that finish does not wait for keys that will never come.
+    if (engine_thread.joinable()) {
+        end();
         (void)finish();
+    }
 }
 
 void c_session::set_geometry(int fallback_columns, int fallback_rows)
@@ -103,25 +107,43 @@ void c_session::set_geometry(int fallback_columns, int fallback_rows)
     engine.line_step = height * 2;
 }
 
-void c_session::initialize()
+bool c_session::initialize()
 {
-    engine.initialize(this);
+    if (!engine.initialize(this)) {
+        report("out of memory");
+        return false;
+    }
     if (!program_name.empty() && !check_program_file())
         program_name.clear();
+    return true;
 }
 
 void c_session::start()
 {
     feeder = std::thread([this] { feed_keys(); });
-    engine_thread = std::thread([this] {
-        engine.run(program_name.empty() ? nullptr : options.program_file.c_str());
+    try {
+        engine_thread = std::thread([this] { run_engine(); });
+    } catch (...) {
+        // No engine thread to be had: the feeder leaves before main reports the failure.
         {
             std::lock_guard<std::mutex> guard(mutex);
-            run_returned = true;
+            ending = run_returned = true;
         }
         changed.notify_all();
-        on_engine_ended();
-    });
+        feeder.join();
+        throw;
+    }
+}
+
+void c_session::run_engine()
+{
+    engine.run(program_name.empty() ? nullptr : options.program_file.c_str());
+    {
+        std::lock_guard<std::mutex> guard(mutex);
+        run_returned = true;
+    }
+    changed.notify_all();
+    on_engine_ended();
 }
 
 void c_session::type_keys(const int* codes, std::size_t count)

@@ -41,7 +41,8 @@ public:
     // `fallback_columns` x `fallback_rows` cells (a terminal's size); 0 keeps the default.
     void set_geometry(int fallback_columns = 0, int fallback_rows = 0);
     // Initialises the engine (the banner) and checks the program file; then start runs the threads.
-    void initialize();
+    // False, after one line on standard error, when the engine cannot have its memory.
+    [[nodiscard]] bool initialize();
     void start();
 
     // Keys in order, from any host thread: they wait here and go into the ring as it has room.
@@ -88,6 +89,7 @@ protected:
     using host_clock = std::chrono::steady_clock;
 
 private:
+    void run_engine();
     void feed_keys();
     void keep_breaking(std::unique_lock<std::mutex>& guard);
     bool check_program_file();

@@ -26,7 +26,11 @@ int c_terminal_host::run()
     }
     terminal_open = true;
     set_geometry(screen.columns(), screen.rows());
-    initialize();
+    if (!initialize()) {
+        screen.close();
+        terminal_open = false;
+        return exit_error;
+    }
     interrupt_handler.set_engine(&engine);
     start();
     serve_terminal();

@@ -54,7 +54,8 @@ int c_window_host::run()
     c_interrupt_handler interrupt_handler(&engine, true);
     std::string error;
     if (!open(error)) {
-        report(error);
+        if (!error.empty())
+            report(error);
         (void)finish();
         return 1;
     }
@@ -100,7 +101,8 @@ bool c_window_host::open(std::string& error)
     }
     // The engine starts as soon as the window exists: making a renderer can take a good part of a
     // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
-    initialize();
+    if (!initialize())
+        return false;  // already reported
     frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
     upright.assign(frame_buffer.size(), 0);
     SDL_StartTextInput();
