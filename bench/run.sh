@@ -148,9 +148,10 @@ time_table() {  # column title
     printf '| %s |' "$2"
     for interpreter in "${interpreters[@]}"; do printf ' %s |' "$interpreter"; done
     for peer in "${peers[@]}"; do printf ' vexil/%s |' "$peer"; done
+    printf ' vexil/faster BASIC |'
     [ "$1" = 3 ] && printf ' vexil peak memory |'
     printf '\n|---|'
-    for _ in "${interpreters[@]}" "${peers[@]}"; do printf -- '---:|'; done
+    for _ in "${interpreters[@]}" "${peers[@]}" basic; do printf -- '---:|'; done
     [ "$1" = 3 ] && printf -- '---:|'
     printf '\n'
     for name in "${names[@]}"; do
@@ -173,6 +174,10 @@ time_table() {  # column title
                 row+=" - |"
             fi
         done
+        # The goal is set against the faster of the two BASICs that compile their programs first.
+        row+=" $(awk -v v="${fastest[vexil]:-}" -v y="${fastest[yabasic]:-}" -v b="${fastest[brandy]:-}" 'BEGIN {
+            best = y != "" && (b == "" || y + 0 < b + 0) ? y : b
+            if (v == "" || best == "") print "-"; else printf "%.2f", v / best }') |"
         [ "$1" = 3 ] && row+=" $(awk -v k="${memory[$name]}" 'BEGIN { printf "%.1f MiB", k / 1024 }') |"
         echo "$row"
     done
