@@ -17,10 +17,11 @@ rounds=${ROUNDS:-5}
 slow_rounds=${SLOW_ROUNDS:-1}
 peers=(${PEERS:-yabasic brandy bwbasic lua python})
 
+# Each tool as command:package; the Debian packages of those missing are installed (as root, or through sudo).
 install_missing() {
-    local missing=() package
-    for package in "$@"; do
-        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing+=("$package")
+    local missing=() tool
+    for tool in "$@"; do
+        command -v "${tool%%:*}" > /dev/null || missing+=("${tool#*:}")
     done
     [ ${#missing[@]} -eq 0 ] && return
     echo "Installing: ${missing[*]}"
@@ -30,7 +31,8 @@ install_missing() {
     $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
         -o Dpkg::Use-Pty=0 "${missing[@]}" > /dev/null
 }
-install_missing yabasic brandy bwbasic lua5.4 python3 gnuplot-nox time
+install_missing yabasic:yabasic brandy:brandy bwbasic:bwbasic lua5.4:lua5.4 /usr/bin/python3:python3 \
+    gnuplot:gnuplot-nox /usr/bin/time:time
 
 cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release --log-level=WARNING > /dev/null
 cmake --build build-release -j2 --target vexil > /dev/null
