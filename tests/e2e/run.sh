@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Runs every case in cases/ against the binary, as `vexil --headless ARGS [NAME.bas] < NAME.keys`, and
 # compares standard output, exit status, standard error and, when asked, the PNG written.
-# usage: run.sh VEXIL PNG_PROBE [NAME...]
+# usage: run.sh VEXIL PNG_PROBE [--cases DIR] [NAME...]   (DIR: another directory of cases)
 #
 # A case is NAME.case, lines of "field: value" ('#' lines say what the case checks):
 #   args: OPTIONS        put before the program file; the word PNG stands for a temporary image file
+#   program: FILE        the program file, relative to the case's directory, instead of NAME.bas
 #   status: N            the expected exit status (default 0)
 #   stderr: TEXT         the expected first line of standard error (default: none at all)
 #   png: WxH             the image's expected size;  pixel: X,Y RRGGBB  one of its pixels
@@ -18,6 +19,10 @@ vexil=$(realpath "$1")
 probe=$(realpath "$2")
 shift 2
 cases_dir=$(cd "$(dirname "$0")/cases" && pwd)
+if [ "${1:-}" = --cases ]; then
+    cases_dir=$(cd "$2" && pwd)
+    shift 2
+fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -25,10 +30,11 @@ run_case() {
     local -
     set -f
     local name=$1 file="$cases_dir/$1.case"
-    local args="" status=0 stderr_line="" png_size="" pixels=() line
+    local args="" status=0 stderr_line="" png_size="" pixels=() line program="$cases_dir/$1.bas"
     while IFS= read -r line || [ -n "$line" ]; do
         case $line in
         args:*) args=${line#args:} ;;
+        program:*) program=$cases_dir/$(echo ${line#program:}) ;;
         status:*) status=$(echo ${line#status:}) ;;
         stderr:*) stderr_line=${line#stderr: } ;;
         png:*) png_size=$(echo ${line#png:}) ;;
@@ -50,7 +56,7 @@ run_case() {
         [ "$word" = PNG ] && word="$dir/out.png"
         argv+=("$word")
     done
-    [ -f "$cases_dir/$name.bas" ] && argv+=("$cases_dir/$name.bas")
+    [ -f "$program" ] && argv+=("$program")
 
     (cd "$dir" && "$vexil" --headless "${argv[@]}" < "$keys" > "$dir/stdout" 2> "$dir/stderr")
     local actual_status=$? problems=""
