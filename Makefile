@@ -2,9 +2,13 @@
 # make run ARGS="..."   build, then run build/vexil with ARGS
 # make test             build everything and run every test
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
+# make install          install under PREFIX (default /usr/local), into DESTDIR when given
+# make package          build a Debian package, build/vexil_VERSION_ARCH.deb
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
+# The manual page (help2man) and make package (dpkg-shlibdeps and file, which CPack's .deb needs).
+PACKAGES += help2man dpkg-dev file
 JOBS := -j2
 
 ifeq ($(SANITIZE),1)
@@ -15,7 +19,7 @@ BUILD_DIR := build
 CMAKE_FLAGS :=
 endif
 
-.PHONY: all run test bench clean packages configure
+.PHONY: all run test bench clean packages configure install package
 
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
@@ -26,6 +30,16 @@ run: all
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
 	cd $(BUILD_DIR) && ctest --output-on-failure
+
+# The binary, the window module and the manual page: what install and package put in place.
+PREFIX ?= /usr/local
+install: configure
+	cmake --build $(BUILD_DIR) $(JOBS) --target vexil vexil_manual
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
+
+package: configure
+	cmake --build $(BUILD_DIR) $(JOBS) --target vexil vexil_manual
+	cd $(BUILD_DIR) && cpack -G DEB
 
 bench: packages
 	bash bench/run.sh
