@@ -8,6 +8,7 @@
 #     what VEXIL answers must be that block exactly; otherwise the session must report no error.
 #   a table row whose last two cells are `a typed line` and `the answer` (or the word nothing): the same.
 # What VEXIL answers is the transcript without the echo of the typed lines and without the Ok lines.
+# Every command, function and error message of the source must also be named in the document.
 set -uo pipefail
 
 vexil=$(realpath "$1")
@@ -47,6 +48,16 @@ answer_of() {
 
 count=$(cat "$work/count")
 failed=0
+
+# Every command and function of the tables in runtime/ and every message of engine/error.cpp is named.
+root=$(dirname "$document")/..
+names=$(sed -n 's/^ *{"\([a-z_0-9]*\)", [cf][mn][dc]_.*/\1/p' "$root"/runtime/command_table.cpp "$root"/runtime/function_table.cpp)
+for name in $names; do
+    grep -q "\`$name[ (\`]" "$document" || { echo "FAILED: $name is not described"; failed=$((failed + 1)); }
+done
+while IFS= read -r message; do
+    grep -qF "| \`$message\` |" "$document" || { echo "FAILED: the message $message is not listed"; failed=$((failed + 1)); }
+done < <(sed -n 's/^ *"\([^"]*\)",.*/\1/p' "$root"/engine/error.cpp | grep -v '^No error$')
 for ((index = 1; index <= count; index++)); do
     keys="$work/$index.keys"
     (cd "$work/files" && "$vexil" --headless < "$keys" > "$work/transcript" 2> "$work/stderr")
@@ -66,5 +77,5 @@ for ((index = 1; index <= count; index++)); do
         failed=$((failed + 1))
     fi
 done
-echo "$count examples, $failed failed"
+echo "$count examples, $failed failed (and every command, function and message named)"
 [ "$count" -gt 0 ] && [ "$failed" -eq 0 ]
