@@ -3,9 +3,13 @@
 # make test             build everything and run every test
 # make test VALGRIND=1  the same, with the end-to-end cases run under valgrind's memcheck: no error, no leak
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
+# make install          install under PREFIX (default /usr/local), into DESTDIR when given
+# make package          build a Debian package, build/vexil_VERSION_ARCH.deb
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
+# The manual page (help2man) and make package (dpkg-shlibdeps and file, which CPack's .deb needs).
+PACKAGES += help2man dpkg-dev file
 JOBS := -j2
 
 # Any memcheck error, or any block lost (definitely, indirectly or possibly), fails the case.
@@ -22,7 +26,7 @@ BUILD_DIR := build
 CMAKE_FLAGS :=
 endif
 
-.PHONY: all run test bench clean packages configure
+.PHONY: all run test bench clean packages configure install package
 
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
@@ -35,6 +39,16 @@ run:
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
 	cd $(BUILD_DIR) && $(TEST_ENV) ctest --output-on-failure
+
+# The binary, the window module and the manual page: what install and package put in place.
+PREFIX ?= /usr/local
+install: configure
+	cmake --build $(BUILD_DIR) $(JOBS) --target vexil vexil_manual
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
+
+package: configure
+	cmake --build $(BUILD_DIR) $(JOBS) --target vexil vexil_manual
+	cd $(BUILD_DIR) && cpack -G DEB
 
 bench: packages
 	bash bench/run.sh
