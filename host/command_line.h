@@ -20,10 +20,12 @@ struct c_options {
     host_kind host = host_kind::automatic;
     int screen_width = 640;   // 80 columns
     int screen_height = 480;  // 30 rows
+    bool size_given = false;  // --size was given: a terminal's own size does not replace it
     bool print_screen = false;
     int window_scale = 0;      // 0: the largest whole scale that fits the desktop
     std::string png_file;      // empty: no image
     std::string program_file;  // empty: none; handed to the engine as written, quotes included
+    double timeout_seconds = 0;  // 0: none; else the session is broken and ended after this wall time
     bool show_help = false;
     bool show_version = false;
 };

@@ -104,8 +104,8 @@ int main(int argc, char** argv)
     c_options options;
     std::string error;
     if (!parse_command_line(argc, argv, options, error)) {
-        std::fprintf(stderr, "vexil: %s\n%s", error.c_str(), usage_text());
-        return 2;
+        std::fprintf(stderr, "vexil: %s\nTry 'vexil --help'.\n", error.c_str());
+        return exit_usage;
     }
     if (options.show_help) {
         std::fputs(usage_text(), stdout);

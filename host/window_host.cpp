@@ -1,5 +1,5 @@
-// The window's event loop, its image and its keys; the feeder and the engine's waits; the end of the
-// session, by `exit` or by the close button.
+// The window's event loop, its image and its keys; the end of the session, by `exit` or by the
+// close button.
 #include "host/window_host.h"
 
 #include <SDL2/SDL.h>
@@ -47,11 +47,8 @@ std::string next_screenshot_name()
 
 }  // namespace
 
-c_window_host::c_window_host(const c_options& options) : options(options)
+c_window_host::c_window_host(const c_options& options) : c_session(options)
 {
-    engine.screen_width = options.screen_width;
-    engine.screen_height = options.screen_height;
-    engine.line_step = options.screen_height * 2;
 }
 
 c_window_host::~c_window_host()
@@ -98,7 +95,12 @@ bool c_window_host::open(std::string& error)
     }
     // The engine starts as soon as the window exists: making a renderer can take a good part of a
     // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
-    start_engine(width, height);
+    initialize();
+    frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
+    upright.assign(frame_buffer.size(), 0);
+    SDL_StartTextInput();
+    start();
+    started = true;
     p_renderer = SDL_CreateRenderer(p_window, -1, 0);
     if (p_renderer != nullptr)
         p_texture = SDL_CreateTexture(p_renderer, SDL_PIXELFORMAT_RGB565, SDL_TEXTUREACCESS_STREAMING, width, height);
@@ -112,26 +114,9 @@ bool c_window_host::open(std::string& error)
     return true;
 }
 
-void c_window_host::start_engine(int width, int height)
-{
-    engine.initialize(this);
-    frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
-    upright.assign(frame_buffer.size(), 0);
-    SDL_StartTextInput();
-    feeder = std::thread([this] { feed_keys(); });
-    const char* program = options.program_file.empty() ? nullptr : options.program_file.c_str();
-    engine_thread = std::thread([this, program] {
-        engine.run(program);
-        engine_ended = true;
-        SDL_Event wake = {};
-        wake.type = wake_event;
-        SDL_PushEvent(&wake);
-    });
-}
-
 bool c_window_host::step()
 {
-    if (engine_ended)
+    if (engine_ended())
         return false;
     SDL_Event event;
     const std::uint32_t now = SDL_GetTicks();
@@ -141,42 +126,29 @@ bool c_window_host::step()
         handle_event(event);
         have_event = SDL_PollEvent(&event) != 0;
     }
-    // Until run returns, break and quit again: a line entered just before the close resets the break
-    // when it starts, and run sets `running` when it starts.
-    if (closing) {
-        engine.force_break();
-        engine.quit();
-    }
     if (SDL_GetTicks() >= next_frame_ms) {
         draw_frame();
         next_frame_ms = SDL_GetTicks() + frame_interval_ms;
     }
-    return !engine_ended;
+    return !engine_ended();
 }
 
 int c_window_host::finish()
 {
-    if (engine_thread.joinable()) {
-        if (!engine_ended)
+    if (started) {
+        if (!engine_ended())
             close_window();
-        while (!engine_ended)
-            step();
-        engine_thread.join();
-        if (error_seen)
-            exit_status = 1;
+        while (step()) {
+        }
+        exit_status = c_session::finish();
+        started = false;
     }
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        stopping = true;
-    }
-    ring_changed.notify_all();
-    if (feeder.joinable())
-        feeder.join();
     if (!options.png_file.empty() && p_texture != nullptr) {
         std::string error;
         if (!write_png(options.png_file.c_str(), screen_image(engine), error)) {
-            std::fprintf(stderr, "vexil: %s\n", error.c_str());
-            exit_status = 1;
+            report(error);
+            if (exit_status == 0)
+                exit_status = exit_error;
         }
     }
     if (p_texture != nullptr)
@@ -205,33 +177,6 @@ c_rgb_image c_window_host::presented_image() const
     return image;
 }
 
-void c_window_host::sleep(unsigned int ms)
-{
-    std::unique_lock<std::mutex> guard(mutex);
-    const auto duration = std::chrono::milliseconds(ms);
-    if (!idle) {
-        // A program's sleep: only the end of the session cuts it short.
-        ring_changed.wait_for(guard, duration, [this] { return stopping; });
-        return;
-    }
-    // The key loop's pause ends as soon as a key arrives.
-    idle = false;
-    engine_waiting = true;
-    ring_changed.wait_for(guard, duration, [this] { return ring_room() < ring_capacity || stopping; });
-    engine_waiting = false;
-}
-
-// A waiter is woken only when its wait is over: a feeder held up by a full ring costs one thread switch
-// per half ring, not one per key.
-void c_window_host::unlock()
-{
-    const bool wake = (feeder_waiting && !pending_keys.empty() && ring_room() >= refill_room)
-        || (engine_waiting && ring_room() < ring_capacity);
-    mutex.unlock();
-    if (wake)
-        ring_changed.notify_all();
-}
-
 // Both only mark the image: the window draws at its own pace, and changed cells stay marked until then.
 void c_window_host::update_screen()
 {
@@ -244,15 +189,11 @@ void c_window_host::update_text()
     image_dirty = true;
 }
 
-void c_window_host::waiting_for_key()
+void c_window_host::on_engine_ended()
 {
-    idle = true;
-}
-
-void c_window_host::error_reported(int, int)
-{
-    if (!closing)
-        error_seen = true;
+    SDL_Event wake = {};
+    wake.type = wake_event;
+    SDL_PushEvent(&wake);
 }
 
 void c_window_host::handle_event(const SDL_Event& event)
@@ -290,7 +231,7 @@ void c_window_host::handle_key_down(const SDL_Event& event)
     const bool repeated = event.key.repeat != 0;
     switch (mapped.action) {
     case window_action::key: queue_keys({mapped.code}); break;
-    case window_action::force_break: engine.force_break(); break;
+    case window_action::force_break: break_program(); break;
     case window_action::paste: if (!repeated) paste(); break;
     case window_action::copy_text: if (!repeated) copy_text(); break;
     case window_action::screenshot: if (!repeated) save_screenshot(); break;
@@ -299,19 +240,11 @@ void c_window_host::handle_key_down(const SDL_Event& event)
     }
 }
 
-// Every key goes through the feeder, typed ones too, so that they keep their order behind a paste.
+// Every key goes through the session's queue, typed ones too, so that they keep their order behind a paste.
 void c_window_host::queue_keys(const std::vector<int>& codes)
 {
-    if (codes.empty())
-        return;
-    bool wake = false;
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        pending_keys.insert(pending_keys.end(), codes.begin(), codes.end());
-        wake = feeder_waiting;
-    }
-    if (wake)
-        ring_changed.notify_all();
+    if (!codes.empty())
+        type_keys(codes.data(), codes.size());
 }
 
 void c_window_host::paste()
@@ -337,7 +270,7 @@ void c_window_host::save_screenshot()
     const std::string name = next_screenshot_name();
     std::string error;
     if (!write_png(name.c_str(), presented_image(), error))
-        std::fprintf(stderr, "vexil: %s\n", error.c_str());
+        report(error);
 }
 
 // Breaks a running program and ends the key loop; the loop goes on until run has returned.
@@ -346,14 +279,7 @@ void c_window_host::close_window()
     if (closing)
         return;
     closing = true;
-    engine.force_break();
-    engine.quit();
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        stopping = true;
-        pending_keys.clear();
-    }
-    ring_changed.notify_all();
+    end();
 }
 
 void c_window_host::toggle_full_screen()
@@ -408,34 +334,6 @@ void c_window_host::present()
     SDL_RenderCopy(p_renderer, p_texture, nullptr, &target);
     SDL_RenderPresent(p_renderer);
     needs_present = false;
-}
-
-void c_window_host::feed_keys()
-{
-    std::unique_lock<std::mutex> guard(mutex);
-    int batch[ring_capacity];
-    for (;;) {
-        feeder_waiting = true;
-        ring_changed.wait(guard, [this] { return stopping || (!pending_keys.empty() && ring_room() > 0); });
-        feeder_waiting = false;
-        if (stopping)
-            return;
-        // Only this thread pushes, so the room counted under the lock is still there.
-        const int count = std::min(ring_room(), static_cast<int>(pending_keys.size()));
-        std::copy_n(pending_keys.begin(), count, batch);
-        pending_keys.erase(pending_keys.begin(), pending_keys.begin() + count);
-        guard.unlock();
-        for (int index = 0; index < count; ++index)
-            engine.key(batch[index]);
-        guard.lock();
-    }
-}
-
-int c_window_host::ring_room() const
-{
-    const c_keyboard& ring = engine.keyboard;
-    int used = (ring.write_index - ring.read_index + c_keyboard::slot_count) % c_keyboard::slot_count;
-    return ring_capacity - used;
 }
 
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height)

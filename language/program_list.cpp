@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
 constexpr int file_line_size = 256;     // a file line of at most 255 characters and its terminator
 
 // Copies the workspace's code and source into one new block; false when the block cannot be had,
@@ -54,6 +53,7 @@ bool store(c_program_line* line, const c_parser* parser, c_system_resource* res)
 // Links the record in after `before`, or at the front when that is null.
 void insert(c_program_list& program, c_program_line* line, c_program_line* before)
 {
+    ++program.changes;
     line->prev = before;
     line->next = before != nullptr ? before->next : program.first;
     if (line->next != nullptr)
@@ -67,6 +67,7 @@ void insert(c_program_list& program, c_program_line* line, c_program_line* befor
 // Unlinks and frees a record whose references are already given back.
 void remove(c_program_list& program, c_program_line* line)
 {
+    ++program.changes;
     if (program.first == line)
         program.first = line->next;
     if (program.current == line)
@@ -80,6 +81,7 @@ void remove(c_program_list& program, c_program_line* line)
 void replace(c_program_list& program, c_program_line* line, c_parser* parser, const char* text)
 {
     c_system_resource* res = program.p_system_resource;
+    ++program.changes;
     res->p_variable_manager->line_release(line->code, line->code_length, line);
     line->code = nullptr;
     line->code_length = 0;
@@ -152,6 +154,8 @@ void c_program_list::add(c_parser* parser, const char* text)
 
 void c_program_list::renumber(int start, int step)
 {
+    if (first != nullptr)
+        ++changes;
     int number = start;
     for (c_program_line* line = first; line != nullptr; line = line->next) {
         line->number = number;
@@ -162,6 +166,8 @@ void c_program_list::renumber(int start, int step)
 void c_program_list::clear()
 {
     c_variable_manager* variables = p_system_resource->p_variable_manager;
+    if (first != nullptr)
+        ++changes;
     while (first != nullptr) {
         c_program_line* line = first;
         first = line->next;
@@ -183,6 +189,7 @@ int c_program_list::save(const char* name)
         std::fputs("\r\n", file);
     }
     std::fclose(file);
+    changes_at_file = changes;
     return 1;
 }
 
@@ -214,6 +221,7 @@ int c_program_list::load(const char* name, int start, int step)
     }
     std::fclose(file);
     current = nullptr;
+    changes_at_file = changes;
     return 1;
 }
 

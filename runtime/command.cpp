@@ -22,8 +22,6 @@
 namespace {
 
 constexpr int file_name_size = 260;  // a 256-byte string and its terminator
-constexpr int load_start = 100;
-constexpr int load_step = 10;
 constexpr int renumber_start = 100;
 constexpr int renumber_step = 10;
 constexpr unsigned int default_seed = 0xFFFFFFFFu;  // -1 taken as unsigned
@@ -179,7 +177,7 @@ void cmd_load(const unsigned char*& p, c_system_resource* res)
     int code = read_file_name(p, res, name);
     c_program_list& program = res->p_interpreter->program_list;
     program.clear();
-    if (program.load(name, load_start, load_step) == 0)
+    if (program.load(name, load_first_number, load_number_step) == 0)
         res->error_code = error_device_io;
     else
         res->error_code.raise(code);
