@@ -5,7 +5,7 @@
 'use strict';
 
 const home = '/vexil';              // the working directory: saved programs and data files
-const run_file = '/tmp/run.bas';    // a #run= program, not kept
+const run_file = '/tmp/link.bas';   // a #run= program, not kept
 const canvas = document.getElementById('screen');
 const context = canvas.getContext('2d');
 const screen_text = document.getElementById('screen-text');
@@ -189,6 +189,9 @@ function draw(image) {
     const text = Module.UTF8ToString(Module._vexil_text());
     if (screen_text.textContent !== text) screen_text.textContent = text;
     if (vexil_page.first_ok_ms === null && /^Ok$/m.test(text)) vexil_page.first_ok_ms = performance.now();
+    // A program file that cannot be loaded leaves the console at Ok; the reason shows here.
+    const reports = Module.UTF8ToString(Module._vexil_reports()).trim();
+    if (reports !== '') status_line.textContent = reports;
   }
   if (Module._vexil_ended()) {
     vexil_page.ended_ms = performance.now();

@@ -3,15 +3,15 @@
 #include <emscripten/emscripten.h>
 
 #include <new>
+#include <string>
 
 #include "host/web/web_host.h"
 
 namespace {
 
-constexpr int screen_width = 640;   // 80 columns
-constexpr int screen_height = 480;  // 30 rows
-
+c_options options;  // the default screen, 640 x 480: 80 columns, 30 rows
 c_web_host* p_web_host = nullptr;
+std::string reports;
 
 }  // namespace
 
@@ -23,21 +23,23 @@ EMSCRIPTEN_KEEPALIVE int vexil_start(const char* program_file)
 {
     if (p_web_host != nullptr)
         return 1;
-    p_web_host = new (std::nothrow) c_web_host(screen_width, screen_height);
+    options.program_file = program_file;
+    // Never deleted: the session's threads live as long as the page.
+    p_web_host = new (std::nothrow) c_web_host(options);
     if (p_web_host == nullptr)
         return 0;
-    p_web_host->start(program_file);
+    p_web_host->open();
     return 1;
 }
 
 EMSCRIPTEN_KEEPALIVE void vexil_keys(const int* codes, int count)
 {
-    p_web_host->queue_keys(codes, count);
+    p_web_host->type_keys(codes, count > 0 ? static_cast<std::size_t>(count) : 0);
 }
 
 EMSCRIPTEN_KEEPALIVE void vexil_break()
 {
-    p_web_host->force_break();
+    p_web_host->break_program();
 }
 
 // 1 when the image at vexil_image and the text at vexil_text changed since the last call.
@@ -56,14 +58,11 @@ EMSCRIPTEN_KEEPALIVE const char* vexil_text()
     return p_web_host->text().c_str();
 }
 
-EMSCRIPTEN_KEEPALIVE int vexil_width()
+// The session's reports since the last call (a program file that cannot be loaded), one a line.
+EMSCRIPTEN_KEEPALIVE const char* vexil_reports()
 {
-    return screen_width;
-}
-
-EMSCRIPTEN_KEEPALIVE int vexil_height()
-{
-    return screen_height;
+    reports = p_web_host->take_reports();
+    return reports.c_str();
 }
 
 EMSCRIPTEN_KEEPALIVE int vexil_ended()

@@ -165,3 +165,10 @@ test('a #run= link starts with its program running', async () => {
   assert.deepEqual(page.errors, []);
   await page.close();
 });
+
+test('a #run= link whose program cannot be loaded says why and waits at Ok', async () => {
+  const page = await open_page('#run=' + encodeURIComponent(`print "never"\nprint "${'x'.repeat(300)}"\n`));
+  await page.locator('#status', { hasText: '"/tmp/link.bas" line 2: Too long line' }).waitFor(wait);
+  assert.match(await screen(page), /^VEXIL v0\.0\.7\n.*\nOk\n$/);
+  await page.close();
+});
