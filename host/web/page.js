@@ -62,6 +62,7 @@ function in_menu(target) {
 
 // The engine code of a key press; 0 for a key that does nothing; undefined for one left to the browser.
 function key_code(event) {
+  if (event.key === 'Tab' && event.shiftKey) return undefined;  // so the keyboard can leave the screen
   if (event.key in key_codes) return key_codes[event.key];
   return event.key.length === 1 ? character_code(event.key) : undefined;
 }
@@ -219,7 +220,8 @@ function start() {
 menu_button.addEventListener('click', () => {
   menu.hidden = !menu.hidden;
   menu_button.setAttribute('aria-expanded', String(!menu.hidden));
-  if (!menu.hidden) list_files();
+  if (menu.hidden) canvas.focus();
+  else list_files();
 });
 file_picker.addEventListener('change', () => {
   if (file_picker.files.length > 0) open_program(file_picker.files[0]);
@@ -237,6 +239,7 @@ document.addEventListener('keydown', on_key_down);
 document.addEventListener('paste', on_paste);
 window.addEventListener('resize', fit_canvas);
 fit_canvas();
+canvas.focus();
 if (!window.crossOriginIsolated)
   status_line.textContent = 'This page needs to be served cross-origin isolated (make serve).';
 

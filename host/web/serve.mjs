@@ -26,13 +26,15 @@ export function serve(root, port) {
     const path = normalize(decodeURIComponent(new URL(request.url, 'http://localhost').pathname));
     const file = join(root, path.endsWith('/') ? path + 'index.html' : path);
     const type = content_types[extname(file)];
-    if (request.method !== 'GET' || type === undefined || !file.startsWith(root)) {
+    const method_known = request.method === 'GET' || request.method === 'HEAD';
+    if (!method_known || type === undefined || !file.startsWith(root)) {
       response.writeHead(404, isolation_headers).end();
       return;
     }
     try {
       const body = await readFile(file);
-      response.writeHead(200, { ...isolation_headers, 'Content-Type': type }).end(body);
+      response.writeHead(200, { ...isolation_headers, 'Content-Type': type, 'Content-Length': body.length })
+        .end(request.method === 'HEAD' ? undefined : body);
     } catch {
       response.writeHead(404, isolation_headers).end();
     }

@@ -132,9 +132,11 @@ test('Control+C breaks an endless loop', async () => {
   await screen_shows(page, /^looping$/);
   await page.keyboard.press('Control+c');
   await screen_shows(page, /^Break at 20\.\nOk$/);
-  // The console takes keys again.
-  await enter(page, 'print 2+2');
-  await screen_shows(page, /^4\nOk$/);
+  // The console takes keys again, and a long sleep is broken too.
+  await enter(page, 'print 2+2: sleep 600000');
+  await screen_shows(page, /^4$/);
+  await page.keyboard.press('Control+c');
+  await screen_shows(page, /^Break\.\nOk$/);
   await page.close();
 });
 
@@ -155,6 +157,17 @@ test('save, a reload and load bring a program back; data files are kept too', as
   await screen_shows(page, /^100 print "kept across a reload"\nOk$/);
   await enter(page, 'fropen 2, "data.txt": print finput(2): fclose 2');
   await screen_shows(page, /^data line$/);
+  await page.close();
+});
+
+test('a program from the file picker is kept and loaded', async () => {
+  const page = await ready_page();
+  await page.click('#menu-button');
+  await page.setInputFiles('#file-picker',
+    { name: 'my picked.bas', mimeType: 'text/plain', buffer: Buffer.from('print "picked"\r\nend\r\n') });
+  await screen_shows(page, /^load "mypicked\.bas"\nOk$/);
+  await enter(page, 'run');
+  await screen_shows(page, /^picked\nOk$/);
   await page.close();
 });
 
