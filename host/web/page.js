@@ -26,10 +26,12 @@ const key_codes = {
   Home: 0, End: 0, PageUp: 0, PageDown: 0,  // nothing, as in the window
 };
 
-// A character the console can show: printable ASCII and Latin-1; 0 for any other.
+// As the window types them: printable ASCII as itself, any other printable character as one "?",
+// control characters not at all (0).
 function character_code(character) {
-  const code = character.charCodeAt(0);
-  return (code >= 32 && code <= 126) || (code >= 160 && code <= 255) ? code : 0;
+  const code = character.codePointAt(0);
+  if (code >= 32 && code <= 126) return code;
+  return code < 32 || (code >= 127 && code < 160) ? 0 : 63;
 }
 
 // Pasted text as keys: a line end (LF, CR or CR LF) is one Enter, a tab is Tab.
@@ -141,7 +143,13 @@ function run_link(text) {
 
 function list_files() {
   file_list.replaceChildren();
-  for (const name of kept_files()) {
+  const names = kept_files();
+  if (names.length === 0) {
+    const item = document.createElement('li');
+    item.textContent = 'No files kept in this browser yet: save "name.bas" keeps one.';
+    file_list.append(item);
+  }
+  for (const name of names) {
     const item = document.createElement('li');
     const label = document.createElement('span');
     label.textContent = name;
