@@ -23,8 +23,10 @@ endif
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
 
-run: all
-	./$(BUILD_DIR)/vexil $(ARGS)
+# The build's output goes to standard error: standard output is the program's alone.
+run:
+	@$(MAKE) --no-print-directory all >&2
+	@./$(BUILD_DIR)/vexil $(ARGS)
 
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)

@@ -6,8 +6,9 @@
 
 constexpr const char* vexil_version = "VEXIL v0.0.7";
 
-// Automatic: the window when a display can be opened, else the terminal when standard input and output
-// are both terminals, else headless.
+// Automatic: headless when standard input is a pipe or a file, else the window when a display can be
+// opened, else the terminal when standard input and output are a terminal that can move the cursor,
+// else headless.
 enum class host_kind { automatic, headless, window, terminal };
 
 // One cell is the smallest screen; the largest keeps the planes and the image within a few tens of MB.

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -62,19 +61,20 @@ std::string program_file_problem(const std::string& name)
     return problem;
 }
 
-namespace {
-
-std::string recovery_name()
+std::string unused_file_name(const std::string& stem, const std::string& extension, int first_number)
 {
-    for (int number = 1;; ++number) {
-        std::string name = number == 1 ? "vexil-recovered.bas" : "vexil-recovered-" + std::to_string(number) + ".bas";
+    for (int number = first_number;; ++number) {
+        // Appended piece by piece: g++ 12 warns falsely about chains of + on strings at -O2.
+        std::string name = stem;
+        if (number > 1 || first_number > 0)
+            name.append("-").append(std::to_string(number));
+        name.append(extension);
         std::error_code error;
-        if (!std::filesystem::exists(name, error) && !error)
+        // A directory that cannot be searched gives up at once: writing the file then says why.
+        if (!std::filesystem::exists(name, error) || error)
             return name;
     }
 }
-
-}  // namespace
 
 c_session::c_session(const c_options& options) : options(options)
 {
@@ -163,10 +163,12 @@ void c_session::break_program()
     changed.notify_all();
 }
 
-void c_session::end()
+void c_session::end(int signal)
 {
     {
         std::lock_guard<std::mutex> guard(mutex);
+        if (!ending && signal != 0)
+            end_signal = signal;
         ending = true;
         pending_keys.clear();
     }
@@ -192,6 +194,8 @@ int c_session::finish()
     changed.notify_all();
     if (feeder.joinable())
         feeder.join();
+    if (end_signal != 0)
+        return exit_signal_base + end_signal;
     if (timed_out)
         return exit_timed_out;
     return error_seen || load_failed ? exit_error : 0;
@@ -202,7 +206,7 @@ void c_session::recover_program()
     const c_program_list& program = engine.interpreter.program_list;
     if (program.first == nullptr || !program.differs_from_file())
         return;
-    const std::string name = recovery_name();
+    const std::string name = unused_file_name("vexil-recovered", ".bas", 0);
     if (engine.interpreter.program_list.save(name.c_str()) == 0) {
         report("the program was not saved and cannot be written to " + in_quotes(name) + ": " + std::strerror(errno));
         return;

@@ -20,10 +20,15 @@
 constexpr int exit_error = 1;      // an error was reported, the program file or the PNG failed
 constexpr int exit_usage = 2;      // a command-line mistake
 constexpr int exit_timed_out = 124;  // --timeout ended the session, as timeout(1) does
+constexpr int exit_signal_base = 128;  // plus the signal that ended the session
 
 // Why a program file cannot be loaded, found before the engine tries, as a line for standard error;
 // "" when it can be. A file line the load would split, or one past the last line number, is refused.
 std::string program_file_problem(const std::string& name);
+
+// The first of STEM EXTENSION (only when first_number is 0), STEM-2 EXTENSION, STEM-3 EXTENSION, ...
+// (from STEM-1 when first_number is 1) that does not exist in the current directory: never overwriting.
+std::string unused_file_name(const std::string& stem, const std::string& extension, int first_number);
 
 class c_session : public c_vexil_callback {
 public:
@@ -48,10 +53,11 @@ public:
     // Control+C: the running program stops with Break, a program's sleep at once.
     void break_program();
     // The window was closed or a signal came: break, and end once the current line has finished.
-    void end();
+    void end(int signal = 0);
     bool engine_ended();
-    // Waits for the engine's end and the feeder's; 124 after --timeout, 1 after an error report or
-    // a program file that could not be loaded, else 0.
+    // Waits for the engine's end and the feeder's; 128 + the signal after an end a signal asked for,
+    // as a shell shows a process the signal ended; 124 after --timeout; 1 after an error report or a
+    // program file that could not be loaded; else 0.
     int finish();
     // Writes the stored program to vexil-recovered.bas (-2, -3, ... beside an older one) when it differs
     // from what was last saved or loaded, and says so; after finish.
@@ -100,6 +106,7 @@ private:
     bool input_ended = false;
     bool ending = false;
     bool timed_out = false;
+    int end_signal = 0;
     bool run_returned = false;
     bool feeder_waiting = false;
     bool engine_waiting = false;

@@ -18,7 +18,7 @@ int c_terminal_host::run()
 {
     // Installed before the terminal opens, so curses keeps its own handler out of the way. Raw mode turns
     // Control+C into a key; a SIGINT sent from elsewhere still only breaks.
-    c_interrupt_handler interrupt_handler;
+    c_interrupt_handler interrupt_handler(nullptr, true);
     std::string error;
     if (!screen.open(error)) {
         report(error);
@@ -61,6 +61,8 @@ void c_terminal_host::serve_terminal()
 {
     auto next_frame = host_clock::now();
     while (!engine_ended()) {
+        if (int signal = c_interrupt_handler::end_requested(); signal != 0)
+            end(signal);
         long long wait = frame_ms;
         if (dirty)
             wait = std::chrono::duration_cast<std::chrono::milliseconds>(next_frame - host_clock::now()).count();

@@ -11,38 +11,30 @@
 #include <cstring>
 #include <filesystem>
 
+#include "host/interrupt_handler.h"
 #include "host/png_writer.h"
 #include "host/window_keys.h"
 
 namespace {
 
-// Room for the window's frame and title bar, so that the opening scale really fits.
-constexpr int window_frame_allowance = 48;
+// The window's frame and title bar as most desktops draw them, until the window manager says.
+constexpr c_window_frame frame_allowance = {16, 48};
+constexpr const char* window_title = "VEXIL";
+constexpr std::uint32_t title_shown_ms = 2000;  // a screenshot's name stays in the title this long
 
-// The largest whole scale at which the screen fits the desktop, at least 1.
-int fitting_scale(int width, int height)
+// The frame the window manager put around the window; the allowance until it has said.
+c_window_frame frame_of(SDL_Window* window)
 {
-    SDL_Rect desktop;
-    if (SDL_GetDisplayUsableBounds(0, &desktop) != 0)
-        return 1;
-    const int scale = std::min(desktop.w / width, (desktop.h - window_frame_allowance) / height);
-    return std::max(scale, 1);
+    int top = 0, left = 0, bottom = 0, right = 0;
+    if (SDL_GetWindowBordersSize(window, &top, &left, &bottom, &right) != 0 || top + bottom == 0)
+        return frame_allowance;
+    return {left + right, top + bottom};
 }
 
 // Without a display SDL falls back to drivers that show nothing; those only when asked for by name.
 bool shows_a_display(const char* driver)
 {
     return driver != nullptr && std::strcmp(driver, "offscreen") != 0 && std::strcmp(driver, "dummy") != 0;
-}
-
-std::string next_screenshot_name()
-{
-    for (int number = 1;; ++number) {
-        std::string name = "vexil-" + std::to_string(number) + ".png";
-        std::error_code error;
-        if (!std::filesystem::exists(name, error) && !error)
-            return name;
-    }
 }
 
 }  // namespace
@@ -59,9 +51,10 @@ c_window_host::~c_window_host()
 
 int c_window_host::run()
 {
+    c_interrupt_handler interrupt_handler(&engine, true);
     std::string error;
     if (!open(error)) {
-        std::fprintf(stderr, "vexil: %s\n", error.c_str());
+        report(error);
         (void)finish();
         return 1;
     }
@@ -74,6 +67,8 @@ bool c_window_host::open(std::string& error)
 {
     // Nearest neighbour, so that text stays crisp at every scale.
     SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "0");
+    // Signals are the session's: SIGINT breaks, SIGHUP and SIGTERM end it and keep the program.
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;
@@ -86,12 +81,22 @@ bool c_window_host::open(std::string& error)
     wake_event = SDL_RegisterEvents(1);
     const int width = options.screen_width;
     const int height = options.screen_height;
-    const int scale = options.window_scale > 0 ? options.window_scale : fitting_scale(width, height);
-    p_window = SDL_CreateWindow("VEXIL", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
+    SDL_Rect usable = {0, 0, width, height};
+    const bool fits_desktop = options.window_scale == 0 && SDL_GetDisplayUsableBounds(0, &usable) == 0;
+    const int scale = fits_desktop ? fitting_scale(usable.w, usable.h, frame_allowance, width, height) : std::max(options.window_scale, 1);
+    p_window = SDL_CreateWindow(window_title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
         height * scale, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (p_window == nullptr) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;
+    }
+    // Panels and decorations: once the real frame is known, a scale that no longer fits is lowered.
+    if (fits_desktop) {
+        const int fitting = fitting_scale(usable.w, usable.h, frame_of(p_window), width, height);
+        if (fitting < scale) {
+            SDL_SetWindowSize(p_window, width * fitting, height * fitting);
+            SDL_SetWindowPosition(p_window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        }
     }
     // The engine starts as soon as the window exists: making a renderer can take a good part of a
     // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
@@ -126,6 +131,14 @@ bool c_window_host::step()
         handle_event(event);
         have_event = SDL_PollEvent(&event) != 0;
     }
+    if (int signal = c_interrupt_handler::end_requested(); signal != 0 && !closing) {
+        closing = true;
+        end(signal);
+    }
+    if (title_reset_ms != 0 && SDL_GetTicks() >= title_reset_ms) {
+        SDL_SetWindowTitle(p_window, window_title);
+        title_reset_ms = 0;
+    }
     if (SDL_GetTicks() >= next_frame_ms) {
         draw_frame();
         next_frame_ms = SDL_GetTicks() + frame_interval_ms;
@@ -142,6 +155,7 @@ int c_window_host::finish()
         }
         exit_status = c_session::finish();
         started = false;
+        recover_program();
     }
     if (!options.png_file.empty() && p_texture != nullptr) {
         std::string error;
@@ -175,6 +189,11 @@ c_rgb_image c_window_host::presented_image() const
     for (std::size_t index = 0; index < upright.size(); ++index)
         rgb565_to_rgb888(upright[index], &image.pixels[index * 3]);
     return image;
+}
+
+std::string c_window_host::title() const
+{
+    return SDL_GetWindowTitle(p_window);
 }
 
 // Both only mark the image: the window draws at its own pace, and changed cells stay marked until then.
@@ -267,10 +286,15 @@ void c_window_host::copy_text()
 void c_window_host::save_screenshot()
 {
     draw_frame();
-    const std::string name = next_screenshot_name();
+    const std::string name = unused_file_name("vexil", ".png", 1);
     std::string error;
-    if (!write_png(name.c_str(), presented_image(), error))
+    if (!write_png(name.c_str(), presented_image(), error)) {
         report(error);
+        return;
+    }
+    report("saved the screen as " + name);
+    SDL_SetWindowTitle(p_window, (std::string(window_title) + ": saved " + name).c_str());
+    title_reset_ms = std::max<std::uint32_t>(SDL_GetTicks() + title_shown_ms, 1);
 }
 
 // Breaks a running program and ends the key loop; the loop goes on until run has returned.
@@ -334,6 +358,12 @@ void c_window_host::present()
     SDL_RenderCopy(p_renderer, p_texture, nullptr, &target);
     SDL_RenderPresent(p_renderer);
     needs_present = false;
+}
+
+int fitting_scale(int usable_width, int usable_height, c_window_frame frame, int width, int height)
+{
+    const int scale = std::min((usable_width - frame.width) / width, (usable_height - frame.height) / height);
+    return std::max(scale, 1);
 }
 
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height)

@@ -39,6 +39,7 @@ public:
 
     // The image as last presented, upright; for F12 and for tests.
     c_rgb_image presented_image() const;
+    std::string title() const;
     c_vexil& engine_for_reading() { return engine; }
 
     void update_screen() override;
@@ -74,6 +75,7 @@ private:
     std::atomic<bool> image_dirty{true};
     std::atomic<bool> full_draw_asked{true};
     std::uint32_t wake_event = 0;             // an SDL user event that wakes the event loop
+    std::uint32_t title_reset_ms = 0;         // when the title names a screenshot: the tick to reset it
 };
 
 // Where the picture goes in a drawable of the given size: centred, its aspect kept, at a whole scale
@@ -82,6 +84,14 @@ struct c_picture_place {
     int x, y, width, height;
 };
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height);
+
+// The room a window's frame takes around its picture, across and down.
+struct c_window_frame {
+    int width, height;
+};
+// The largest whole scale at which the screen and the window's frame fit the desktop's usable area
+// (without its panels), at least 1.
+int fitting_scale(int usable_width, int usable_height, c_window_frame frame, int width, int height);
 
 // True when SDL can open a real display (not its offscreen or dummy driver): the automatic choice.
 bool window_display_available();

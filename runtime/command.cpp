@@ -83,14 +83,15 @@ void print_value(const unsigned char*& p, c_system_resource* res)
         res->p_text_editor->put_str("\r\n");
 }
 
-// Renumbering stays within 1 to 99999, the numbers a line can be typed with, so every line can still
-// be edited and the numbers can never wrap out of their order.
+// Renumbering may give numbers past 99999, which list and reports show in full though they cannot be
+// typed again; it is refused only where a number would not fit an int, so the order is always kept.
 bool numbers_fit(const c_program_list& program, int start, int step)
 {
     long long last = start;
     for (const c_program_line* line = program.first; line != nullptr && line->next != nullptr; line = line->next)
-        last += step;
-    return last <= 99999;
+        if ((last += step) > INT_MAX)
+            return false;
+    return true;
 }
 
 }  // namespace
