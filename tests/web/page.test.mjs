@@ -152,6 +152,10 @@ test('save, a reload and load bring a program back; data files are kept too', as
   await page.waitForFunction(() => vexil_page.files_kept, null, wait);
   await page.click('#menu-button');
   assert.match(await page.locator('#file-list').textContent(), /data\.txt.*kept\.bas/);
+  // A channel still open at exit keeps what was written to it.
+  await page.click('#screen');
+  await enter(page, 'fwopen 3, "open.txt": fprint 3, "written before exit": exit');
+  await page.waitForFunction(() => document.body.dataset.state === 'ended' && vexil_page.files_kept, null, wait);
   await page.close();
 
   page = await ready_page();
@@ -160,6 +164,8 @@ test('save, a reload and load bring a program back; data files are kept too', as
   await screen_shows(page, /^100 print "kept across a reload"\nOk$/);
   await enter(page, 'fropen 2, "data.txt": print finput(2): fclose 2');
   await screen_shows(page, /^data line$/);
+  await enter(page, 'fropen 3, "open.txt": print finput(3)');
+  await screen_shows(page, /^written before exit$/);
   await page.close();
 });
 
@@ -172,6 +178,27 @@ test('a program from the file picker is kept and loaded', async () => {
   await enter(page, 'run');
   await screen_shows(page, /^picked\nOk$/);
   await page.close();
+});
+
+test('a .bas file dropped on the screen is loaded; copy link makes a #run= link that runs it', async () => {
+  const page = await ready_page();
+  await browser.grantPermissions(['clipboard-read', 'clipboard-write']);
+  await page.evaluate(() => {
+    const data = new DataTransfer();
+    data.items.add(new File(['print "dropped " + 3*3\n'], 'drop.bas', { type: 'text/plain' }));
+    document.getElementById('screen').dispatchEvent(new DragEvent('drop', { dataTransfer: data, bubbles: true }));
+  });
+  await screen_shows(page, /^load "drop\.bas"\nOk$/);
+  await page.waitForFunction(() => vexil_page.files_kept, null, wait);
+  await page.click('#menu-button');
+  await page.locator('#file-list li', { hasText: 'drop.bas' }).getByRole('button', { name: 'copy link' }).click();
+  await page.locator('#status', { hasText: 'copied' }).waitFor(wait);
+  const link = await page.evaluate(() => navigator.clipboard.readText());
+  assert.match(link, /index\.html#run=print%20%22dropped/);
+  await page.close();
+  const shared = await open_page(link.replace(/^.*#/, '#'));
+  await screen_shows(shared, /^dropped 9$/);
+  await shared.close();
 });
 
 test('a #run= link starts with its program running', async () => {
