@@ -45,10 +45,17 @@ function text_codes(text) {
   return codes;
 }
 
+// Keys typed while the page still loads wait here and go in when the engine starts.
+let early_keys = [];
+
 function send_keys(codes) {
+  if (early_keys !== null) {
+    early_keys = early_keys.concat(codes);
+    return;
+  }
   if (codes.length === 0) return;
-  const bytes = codes.length * 4;
-  const address = Module._malloc(bytes);
+  const address = Module._malloc(codes.length * 4);
+  if (address === 0) return;
   Module.HEAP32.set(codes, address >> 2);
   Module._vexil_keys(address, codes.length);
   Module._free(address);
@@ -74,7 +81,7 @@ function on_key_down(event) {
   if (event.ctrlKey) {
     // Control+C breaks; Control+V pastes through the paste event; other combinations are the browser's.
     if (event.key === 'c' || event.key === 'C') {
-      Module._vexil_break();
+      if (early_keys === null) Module._vexil_break();
       event.preventDefault();
     }
     return;
@@ -222,6 +229,9 @@ function start() {
   vexil_page.started_ms = performance.now();
   Module.ccall('vexil_start', 'number', ['string'], [program]);
   document.body.dataset.state = 'running';
+  const typed = early_keys;
+  early_keys = null;
+  send_keys(typed);
   draw(context.createImageData(canvas.width, canvas.height));
 }
 

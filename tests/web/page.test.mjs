@@ -26,7 +26,7 @@ before(async () => {
     executablePath: browser_path,
     headless: true,
     args: ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
-      '--disable-background-networking', '--disable-component-update', '--disable-sync'],
+      '--disable-background-networking', '--disable-component-update', '--disable-sync', '--disable-dev-shm-usage'],
   });
 });
 
@@ -70,6 +70,18 @@ test('the page shows the banner and Ok, and the load time', async t => {
   assert.equal(await page.evaluate(() => crossOriginIsolated), true);
   t.diagnostic(`load to Ok: ${Math.round(await page.evaluate(() => vexil_page.first_ok_ms))} ms`);
   assert.deepEqual(page.errors, []);
+  await page.close();
+});
+
+test('keys typed while the engine still loads are kept', async () => {
+  const page = await browser.newPage();
+  let release_engine;
+  const typed = new Promise(resolve => { release_engine = resolve; });
+  await page.route('**/vexil.wasm', async route => { await typed; await route.continue(); });
+  await page.goto(base_url);
+  await page.keyboard.type('print 6*7\n');
+  release_engine();
+  await screen_shows(page, /^print 6\*7\n42\nOk$/);
   await page.close();
 });
 
