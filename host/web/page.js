@@ -227,7 +227,10 @@ function start() {
     program = run_file;
   }
   vexil_page.started_ms = performance.now();
-  Module.ccall('vexil_start', 'number', ['string'], [program]);
+  if (Module.ccall('vexil_start', 'number', ['string'], [program]) === 0) {
+    status_line.textContent = 'VEXIL could not start: out of memory.';
+    return;
+  }
   document.body.dataset.state = 'running';
   const typed = early_keys;
   early_keys = null;

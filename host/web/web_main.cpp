@@ -72,7 +72,7 @@ EMSCRIPTEN_KEEPALIVE int vexil_ended()
 
 }  // extern "C"
 
-// The page starts the engine once its files are in place; main only keeps the runtime alive.
+// Nothing to do at load: the page calls vexil_start once the kept files are in place.
 int main()
 {
     return 0;
