@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 #include "console/text_layer.h"
 #include "engine/error.h"
@@ -28,8 +29,11 @@ std::string in_quotes(const std::string& name)
 
 }  // namespace
 
-std::string program_file_problem(const std::string& name)
+// The load reads at most 255 characters at a time: a file line of exactly 255 leaves its line end to
+// be read as a blank line of its own, which takes a number too. Each piece read takes the next number.
+std::string program_file_problem(const std::string& name, std::vector<int>& file_lines)
 {
+    file_lines.clear();
     std::FILE* file = std::fopen(name.c_str(), "rb");
     if (file == nullptr)
         return "cannot load " + in_quotes(name) + ": " + std::strerror(errno);
@@ -39,20 +43,26 @@ std::string program_file_problem(const std::string& name)
         return "cannot load " + in_quotes(name) + ": " + std::strerror(EISDIR);
     }
     std::string problem;
-    long long line = 1;
-    int length = 0;
-    // A character read belongs to line `line`, which then takes a number, blank or not.
+    int line = 1;
+    int line_length = 0;   // characters of this file line, line end left out
+    int piece_length = 0;  // characters of the piece the load reads, 0: the next starts a piece
     for (int c = std::fgetc(file); c != EOF && problem.empty(); c = std::fgetc(file)) {
         int code = error_none;
-        if (load_first_number + (line - 1) * load_number_step > max_line_number)
+        if (piece_length == 0 && load_first_number + static_cast<long long>(file_lines.size()) * load_number_step > max_line_number)
             code = error_illegal_line_number;
-        else if (c != '\n' && c != '\r' && ++length > file_line_limit)
+        else if (c != '\n' && c != '\r' && ++line_length > file_line_limit)
             code = error_too_long_line;
-        if (code != error_none)
+        if (code != error_none) {
             problem = in_quotes(name) + " line " + std::to_string(line) + ": " + error_message(code);
+            break;
+        }
+        if (piece_length++ == 0)
+            file_lines.push_back(line);
         if (c == '\n') {
             ++line;
-            length = 0;
+            line_length = piece_length = 0;
+        } else if (piece_length == file_line_limit) {
+            piece_length = 0;
         }
     }
     if (problem.empty() && std::ferror(file))
@@ -274,9 +284,8 @@ void c_session::startup_loaded(int code)
     const c_program_line* last = program.first;
     while (last != nullptr && last->next != nullptr)
         last = last->next;
-    const int number = last != nullptr ? last->number : load_first_number;
     load_failed = true;
-    report(in_quotes(program_name) + " line " + std::to_string((number - load_first_number) / load_number_step + 1) + ": "
+    report(in_quotes(program_name) + " line " + std::to_string(file_line_of(last != nullptr ? last->number : 0)) + ": "
         + error_message(code));
 }
 
@@ -290,7 +299,13 @@ int c_session::file_line(int program_line)
     const c_program_list& program = engine.interpreter.program_list;
     if (program_line == 0 || !program_as_loaded || program.changes != loaded_changes)
         return program_line;
-    return (program_line - load_first_number) / load_number_step + 1;
+    return file_line_of(program_line);
+}
+
+int c_session::file_line_of(int program_line) const
+{
+    const long long index = (static_cast<long long>(program_line) - load_first_number) / load_number_step;
+    return index >= 0 && index < static_cast<long long>(file_lines.size()) ? file_lines[index] : program_line;
 }
 
 void c_session::feed_keys()
@@ -341,7 +356,7 @@ void c_session::keep_breaking(std::unique_lock<std::mutex>& guard)
 
 bool c_session::check_program_file()
 {
-    const std::string problem = program_file_problem(program_name);
+    const std::string problem = program_file_problem(program_name, file_lines);
     if (problem.empty())
         return true;
     load_failed = true;

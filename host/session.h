@@ -13,6 +13,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "engine/vexil.h"
 #include "host/command_line.h"
@@ -24,7 +25,8 @@ constexpr int exit_signal_base = 128;  // plus the signal that ended the session
 
 // Why a program file cannot be loaded, found before the engine tries, as a line for standard error;
 // "" when it can be. A file line the load would split, or one past the last line number, is refused.
-std::string program_file_problem(const std::string& name);
+// file_lines receives, for each number the load will give in turn, the file line it comes from.
+std::string program_file_problem(const std::string& name, std::vector<int>& file_lines);
 
 // The first of STEM EXTENSION (only when first_number is 0), STEM-2 EXTENSION, STEM-3 EXTENSION, ...
 // (from STEM-1 when first_number is 1) that does not exist in the current directory: never overwriting.
@@ -91,12 +93,14 @@ private:
     void feed_keys();
     void keep_breaking(std::unique_lock<std::mutex>& guard);
     bool check_program_file();
+    int file_line_of(int program_line) const;  // as loaded: the file line the number was given to
 
     std::thread engine_thread;
     std::thread feeder;
     bool error_seen = false;       // engine thread until it ends
     bool load_failed = false;
     bool idle = false;             // engine thread: the next sleep is the key loop's and may end early
+    std::vector<int> file_lines;   // by load order: the file line each number was given to
     unsigned loaded_changes = 0;   // the program's change count after the start-up load
     bool program_as_loaded = false;
 

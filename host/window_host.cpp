@@ -69,6 +69,11 @@ bool c_window_host::open(std::string& error)
     SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "0");
     // Signals are the session's: SIGINT breaks, SIGHUP and SIGTERM end it and keep the program.
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    // Without these SDL's probing finds nothing and only prints complaints of the libraries it tries.
+    if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr && std::getenv("SDL_VIDEODRIVER") == nullptr) {
+        error = "cannot open a window: no display (neither DISPLAY nor WAYLAND_DISPLAY is set)";
+        return false;
+    }
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;

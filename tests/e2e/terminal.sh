@@ -6,17 +6,17 @@
 # typed UTF-8 is one "?" for each character the console cannot show; that SIGHUP keeps a program that
 # was not saved in a new vexil-recovered file; that a terminal that cannot move the cursor is refused
 # by --terminal and left to the headless face by the automatic choice.
-# usage: terminal.sh VEXIL
+# usage: terminal.sh VEXIL   (status 77: skipped, for want of tmux)
 set -uo pipefail
 
 vexil=$(realpath "$1")
 if ! "$vexil" --help 2>/dev/null | grep -q -- '--terminal'; then
     echo "terminal.sh: skipped: this vexil has no --terminal"
-    exit 0
+    exit 77
 fi
 if ! command -v tmux >/dev/null; then
     echo "terminal.sh: skipped: tmux is not installed (make test installs it)"
-    exit 0
+    exit 77
 fi
 
 work=$(mktemp -d)

@@ -163,12 +163,23 @@ TEST(program_file, problems_are_found_before_the_load_with_the_line_they_are_in)
         {"print 1\n" + longest + "a\n", "line 2: Too long line"},
         {std::string(9990, '\n'), ""},            // numbered up to 99990
         {std::string(9990, '\n') + "x", "line 9991: Illegal line number"},
+        {longest + "\n" + std::string(9988, '\n') + "x", "line 9990: Illegal line number"},  // 255: two numbers
     };
+    std::vector<int> file_lines;
     for (const auto& c : cases) {
         c_scratch_file file(c.text);
         const std::string expected = c.problem.empty() ? "" : file.quoted() + " " + c.problem;
-        EXPECT_EQ(program_file_problem(file.path.string()), expected) << c.problem;
+        EXPECT_EQ(program_file_problem(file.path.string(), file_lines), expected) << c.problem;
     }
-    EXPECT_EQ(program_file_problem("/no/such/file.bas"), "cannot load \"/no/such/file.bas\": No such file or directory");
-    EXPECT_EQ(program_file_problem("/"), "cannot load \"/\": Is a directory");
+    EXPECT_EQ(program_file_problem("/no/such/file.bas", file_lines), "cannot load \"/no/such/file.bas\": No such file or directory");
+    EXPECT_EQ(program_file_problem("/", file_lines), "cannot load \"/\": Is a directory");
+}
+
+TEST(program_file, gives_each_number_the_file_line_the_load_reads_it_from)
+{
+    // The load reads 255 characters at a time: a line of 255 leaves its line end as a blank line.
+    c_scratch_file file("a\r\n\n" + std::string(255, 'b') + "\r\n" + std::string(254, 'c') + "\r\nd");
+    std::vector<int> file_lines;
+    ASSERT_EQ(program_file_problem(file.path.string(), file_lines), "");
+    EXPECT_EQ(file_lines, std::vector<int>({1, 2, 3, 3, 4, 4, 5}));
 }
