@@ -5,6 +5,9 @@
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
 # make install          install under PREFIX (default /usr/local), into DESTDIR when given
 # make package          build a Debian package, build/vexil_VERSION_ARCH.deb
+# make web              build the web page in build-web/ (emscripten)
+# make serve            build it, then serve it on http://127.0.0.1:8000
+# make test-web         build it and run the page's tests in headless Chromium (Playwright)
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
@@ -54,7 +57,27 @@ bench: packages
 	bash bench/run.sh
 
 clean:
-	rm -rf build build-sanitize build-release
+	rm -rf build build-sanitize build-release build-web
+
+# The web page. Debian's emscripten needs its acorn module from Debian's node path, which the node on
+# these machines does not search. Node itself comes with the machine (its npm too); Debian's when missing.
+WEB_PACKAGES := emscripten chromium
+WEB_ENV := NODE_PATH=/usr/share/nodejs
+
+.PHONY: web serve test-web
+web:
+	@$(MAKE) --no-print-directory packages PACKAGES="$(WEB_PACKAGES)"
+	@command -v npm > /dev/null || $(MAKE) --no-print-directory packages PACKAGES="nodejs npm"
+	$(WEB_ENV) emcmake cmake -S . -B build-web --log-level=WARNING > /dev/null
+	$(WEB_ENV) cmake --build build-web $(JOBS)
+
+serve: web
+	node build-web/serve.mjs 8000
+
+# Playwright drives Debian's chromium: the npm package never downloads a browser of its own.
+test-web: web
+	cd tests/web && PLAYWRIGHT_SKIP_BROWSER_DOWNLOAD=1 npm ci --no-audit --no-fund --loglevel=error
+	cd tests/web && node --test
 
 configure: packages
 	cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) --log-level=WARNING
