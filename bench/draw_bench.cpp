@@ -37,8 +37,8 @@ int main()
         return 1;
     // A full screen of text in changing colours, with the cursor on one cell.
     for (int i = 0; i < text.cell_count(); ++i)
-        text.cells[i] = (static_cast<std::uint32_t>(i * 2654435761u) & cell_colour_mask) | (0x21 + i % 94);
-    text.cells[100] |= cell_cursor;
+        text.store(i, (static_cast<std::uint32_t>(i * 2654435761u) & cell_colour_mask) | (0x21 + i % 94));
+    text.store(100, text.load(100) | cell_cursor);
     std::vector<std::uint16_t> frame(static_cast<std::size_t>(screen_width) * screen_height);
 
     double draw = mean_microseconds(2000, [&] { text.draw(frame.data()); });

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr std::uint32_t never_shown = 0xFFFFFFFF;  // bits 10 to 15 set: no cell's value
+
 bool is_empty(std::uint32_t cell)
 {
     return (cell & cell_character_mask) == 0;
@@ -77,9 +79,16 @@ bool c_text_layer::allocate(int screen_height, int screen_width, int line_step, 
     columns = screen_width / glyph_width;
     rows = screen_height / glyph_height;
     p_graphic_layer = graphic_layer;
-    cells = allocate_array<std::uint32_t>(static_cast<std::size_t>(columns) * rows + 1);
-    if (cells == nullptr)
+    const auto count = static_cast<std::size_t>(columns) * rows;
+    cells = allocate_array<std::uint32_t>(count + 1);
+    shown = allocate_array<std::uint32_t>(count);
+    row_marked = allocate_array<std::atomic<bool>>(static_cast<std::size_t>(rows));
+    if (cells == nullptr || shown == nullptr || row_marked == nullptr) {
+        release();
         return false;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        shown[i] = never_shown;
     clear();
     return true;
 }
@@ -88,51 +97,73 @@ void c_text_layer::release()
 {
     delete[] cells;
     cells = nullptr;
+    delete[] shown;
+    shown = nullptr;
+    delete[] row_marked;
+    row_marked = nullptr;
 }
 
 void c_text_layer::clear()
 {
+    first_cell.store(0, std::memory_order_relaxed);
     const int count = cell_count() + 1;
     for (int i = 0; i < count; ++i)
         store(i, cell_cleared);
+    for (int row = 0; row < rows; ++row)
+        row_marked[row].store(true, std::memory_order_relaxed);
 }
 
 void c_text_layer::draw(std::uint16_t* frame_buffer)
 {
-    for (int index = 0; index < cell_count(); ++index)
-        draw_cell(index, frame_buffer);
+    for (int row = 0; row < rows; ++row) {
+        row_marked[stored_row(row)].store(false, std::memory_order_relaxed);
+        for (int column = 0; column < columns; ++column)
+            draw_cell(row, column, frame_buffer);
+    }
 }
 
+// Most calls find nothing to do: a row is first tested at once for any cell to paint.
 void c_text_layer::update(std::uint16_t* frame_buffer)
 {
-    // Most calls find nothing to do: blocks of cells are tested at once for any changed bit.
-    constexpr int block = 16;
-    const int count = cell_count();
-    int index = 0;
-    for (; index + block <= count; index += block) {
-        std::uint32_t any = 0;
-        for (int k = 0; k < block; ++k)
-            any |= load(index + k);
-        if ((any & cell_changed) == 0)
-            continue;
-        for (int k = index; k < index + block; ++k) {
-            if ((load(k) & cell_changed) != 0)
-                draw_cell(k, frame_buffer);
+    for (int row = 0; row < rows; ++row) {
+        const int first = index(0, row);
+        std::uint32_t* stored = cells + place(first);
+        const std::uint32_t* painted = shown + first;
+        std::uint32_t differs = 0;
+        for (int column = 0; column < columns; ++column) {
+            const std::uint32_t cell = std::atomic_ref<std::uint32_t>(stored[column]).load(std::memory_order_relaxed);
+            differs |= (cell & cell_changed) | ((cell & ~cell_changed) ^ painted[column]);
         }
-    }
-    for (; index < count; ++index) {
-        if ((load(index) & cell_changed) != 0)
-            draw_cell(index, frame_buffer);
+        if (differs == 0)
+            continue;
+        row_marked[stored_row(row)].store(false, std::memory_order_relaxed);
+        for (int column = 0; column < columns; ++column) {
+            const std::uint32_t cell = load(first + column);
+            if ((cell & cell_changed) != 0 || (cell & ~cell_changed) != painted[column])
+                draw_cell(row, column, frame_buffer);
+        }
     }
 }
 
+// Each row takes the place of the row above it, and is marked where it differs from it; then the old
+// top row's storage becomes the blank last row. No cell moves.
 void c_text_layer::scroll_up()
 {
-    const int moved = (rows - 1) * columns;
-    for (int i = 0; i < moved; ++i)
-        store_if_changed(*this, i, load(i + columns));
-    for (int i = moved; i < moved + columns; ++i)
-        store(i, cell_cleared);
+    if (cell_count() == 0)
+        return;
+    // From the bottom up, so that each row is compared with the row above as it was before the scroll.
+    const int top = first_cell.load(std::memory_order_relaxed) / columns;
+    for (int lower = top > 0 ? top - 1 : rows - 1; lower != top;) {
+        const int upper = lower > 0 ? lower - 1 : rows - 1;
+        if (!row_marked[lower].load(std::memory_order_relaxed))
+            mark_moved_row(lower, upper);
+        lower = upper;
+    }
+    std::uint32_t* last = cells + top * columns;
+    for (int column = 0; column < columns; ++column)
+        std::atomic_ref<std::uint32_t>(last[column]).store(cell_cleared, std::memory_order_relaxed);
+    row_marked[top].store(true, std::memory_order_relaxed);
+    first_cell.store(top + 1 < rows ? (top + 1) * columns : 0, std::memory_order_relaxed);
 }
 
 bool c_text_layer::insert(int x, int y, std::uint32_t cell)
@@ -179,14 +210,40 @@ void c_text_layer::delete_char(int x, int y)
 
 // The changed bit is cleared only if the cell still holds what was painted: a cell the engine writes
 // meanwhile stays changed and is painted again next time.
-void c_text_layer::draw_cell(int index, std::uint16_t* frame_buffer)
+void c_text_layer::draw_cell(int row, int column, std::uint16_t* frame_buffer)
 {
-    const int row = index / columns;
-    const int column = index - row * columns;
-    std::uint32_t cell = load(index);
+    const int at_index = index(column, row);
+    std::uint32_t& stored = cells[place(at_index)];
+    std::uint32_t cell = std::atomic_ref<std::uint32_t>(stored).load(std::memory_order_relaxed);
     const int origin = (rows - 1 - row) * glyph_height + pitch * glyph_width * column;
     paint_cell(cell, origin, pitch, frame_buffer, *p_graphic_layer);
+    shown[at_index] = cell & ~cell_changed;
     if ((cell & cell_changed) != 0)
-        std::atomic_ref<std::uint32_t>(cells[index]).compare_exchange_strong(cell, cell & ~cell_changed,
+        std::atomic_ref<std::uint32_t>(stored).compare_exchange_strong(cell, cell & ~cell_changed,
             std::memory_order_relaxed);
+}
+
+void c_text_layer::forget_row_marked(int stored)
+{
+    if (stored < cell_count())
+        row_marked[stored / columns].store(false, std::memory_order_relaxed);
+}
+
+// The cells of one stored row now stand where those of `stored_before` stood: as if each had been
+// copied there, a cell is marked where its value differs from the one it replaces.
+void c_text_layer::mark_moved_row(int stored, int stored_before)
+{
+    std::uint32_t* moved = cells + stored * columns;
+    std::uint32_t* replaced = cells + stored_before * columns;
+    bool all_marked = true;
+    for (int column = 0; column < columns; ++column) {
+        std::atomic_ref<std::uint32_t> cell(moved[column]);
+        const std::uint32_t value = cell.load(std::memory_order_relaxed);
+        const std::uint32_t before = std::atomic_ref<std::uint32_t>(replaced[column]).load(std::memory_order_relaxed);
+        if (value != before)
+            cell.store(value | cell_changed, std::memory_order_relaxed);
+        else
+            all_marked = all_marked && (value & cell_changed) != 0;
+    }
+    row_marked[stored].store(all_marked, std::memory_order_relaxed);
 }

@@ -22,8 +22,12 @@
 
 namespace {
 
-// The module next to the binary, whatever the current directory. Never closed: SDL's threads and exit
-// handlers may outlive the call into it.
+// Where an installation puts the module, relative to the binary's directory (set by cmake/install.cmake).
+constexpr const char* installed_window_module_directory = VEXIL_INSTALLED_MODULE_DIRECTORY;
+
+// The module next to the binary (a build tree), else where an installation puts it relative to the
+// binary (bin/../lib/vexil), whatever the current directory and the installation's prefix. Never closed:
+// SDL's threads and exit handlers may outlive the call into it.
 void* load_window_module(std::string& error)
 {
     std::error_code failure;
@@ -32,7 +36,9 @@ void* load_window_module(std::string& error)
         error = "cannot find the window module: " + failure.message();
         return nullptr;
     }
-    const std::string file = (binary.parent_path() / window_module_file).string();
+    std::filesystem::path file = binary.parent_path() / window_module_file;
+    if (!std::filesystem::exists(file, failure))
+        file = binary.parent_path() / installed_window_module_directory / window_module_file;
     void* module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr)
         error = std::string("cannot load the window module: ") + dlerror();

@@ -122,7 +122,7 @@ TEST(line_editing, keys_leave_the_screen_the_cursor_and_its_mark_where_a_user_ex
         EXPECT_EQ(console.cursor_y(), session.cursor_y) << session.keys;
         for (int i = 0; i < 80 * 30; ++i) {
             const bool under_cursor = i == session.cursor_y * 80 + session.cursor_x;
-            EXPECT_EQ((console.engine.text_layer.cells[i] & cell_cursor) != 0, under_cursor) << session.keys << " " << i;
+            EXPECT_EQ((console.engine.text_layer.load(i) & cell_cursor) != 0, under_cursor) << session.keys << " " << i;
         }
     }
 }
@@ -202,7 +202,7 @@ TEST(line_entry, stores_only_the_line_that_covers_the_start_of_the_row)
     test_console console;
     const std::string row = "10 a_20 b";  // "_": an empty cell
     for (int x = 0; x < static_cast<int>(row.size()); ++x)
-        console.engine.text_layer.at(x, 0) = 0xFFFF0200 | (row[x] == '_' ? 0 : row[x]);
+        console.engine.text_layer.put(x, 0, 0xFFFF0200 | (row[x] == '_' ? 0 : row[x]));
     console.type(keys(key_right, 7) + keys(key_enter));
     const c_program_line* line = console.engine.interpreter.program_list.first;
     ASSERT_NE(line, nullptr);

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Runs every case in cases/ against the binary, as `vexil --headless ARGS [NAME.bas] < NAME.keys`, and
 # compares standard output, exit status, standard error and, when asked, the PNG written.
-# usage: run.sh VEXIL PNG_PROBE [NAME...]
+# usage: run.sh VEXIL PNG_PROBE [--cases DIR] [NAME...]   (DIR: another directory of cases)
 # With VEXIL_E2E_RUNNER set (make test VALGRIND=1 sets a valgrind command), the binary runs under it;
 # what it reports goes to standard error and fails the case.
 #
 # A case is NAME.case, lines of "field: value" ('#' lines say what the case checks):
 #   args: OPTIONS        put before the program file; the word PNG stands for a temporary image file
+#   program: FILE        the program file, relative to the case's directory, instead of NAME.bas
 #   status: N            the expected exit status (default 0)
 #   stderr: TEXT         a line of the expected standard error, all of it in order (default: none)
 #   png: WxH             the image's expected size;  pixel: X,Y RRGGBB  one of its pixels
@@ -20,6 +21,10 @@ vexil=$(realpath "$1")
 probe=$(realpath "$2")
 shift 2
 cases_dir=$(cd "$(dirname "$0")/cases" && pwd)
+if [ "${1:-}" = --cases ]; then
+    cases_dir=$(cd "$2" && pwd)
+    shift 2
+fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -27,10 +32,11 @@ run_case() {
     local -
     set -f
     local name=$1 file="$cases_dir/$1.case"
-    local args="" status=0 stderr_text="" png_size="" pixels=() line
+    local args="" status=0 stderr_text="" png_size="" pixels=() line program="$cases_dir/$1.bas"
     while IFS= read -r line || [ -n "$line" ]; do
         case $line in
         args:*) args=${line#args:} ;;
+        program:*) program=$cases_dir/$(echo ${line#program:}) ;;
         status:*) status=$(echo ${line#status:}) ;;
         stderr:*) stderr_text+=${line#stderr: }$'\n' ;;
         png:*) png_size=$(echo ${line#png:}) ;;
@@ -52,7 +58,7 @@ run_case() {
         [ "$word" = PNG ] && word="$dir/out.png"
         argv+=("$word")
     done
-    [ -f "$cases_dir/$name.bas" ] && cp "$cases_dir/$name.bas" "$dir/" && argv+=("$name.bas")
+    [ -f "$program" ] && cp "$program" "$dir/" && argv+=("$(basename "$program")")
 
     (cd "$dir" && ${VEXIL_E2E_RUNNER:-} "$vexil" --headless "${argv[@]}" < "$keys" > "$dir/stdout" 2> "$dir/stderr")
     local actual_status=$? problems=""

@@ -21,7 +21,7 @@ constexpr std::uint16_t red = 0xF800;
 void put_text(test_console& console, int x, int y, const std::string& text)
 {
     for (unsigned char c : text)
-        console.engine.text_layer.at(x++, y) = white | c;
+        console.engine.text_layer.put(x++, y, white | c);
 }
 
 void set_pixel(test_console& console, int x, int y)
@@ -61,7 +61,7 @@ TEST(screen_image, is_upright_with_text_over_the_pixels_and_the_pixels_above_a_g
     set_pixel(console, 5, 15);   // under an empty cell
     set_pixel(console, 63, 55);
     set_pixel(console, 9, 9);    // under the block
-    console.engine.text_layer.at(1, 0) = 0x07E00000 | cell_cursor;  // green, empty: a solid block
+    console.engine.text_layer.put(1, 0, 0x07E00000 | cell_cursor);  // green, empty: a solid block
     c_png_picture picture = written_and_read(console);
     ASSERT_EQ(picture.width, 64);
     ASSERT_EQ(picture.height, 56);

@@ -11,7 +11,7 @@
 
 TEST(host_start, headless_reports_planes_it_cannot_have_in_one_line_and_fails)
 {
-    for (long long call : {1, 2}) {  // the pixels, then the character grid
+    for (long long call : {1, 2, 3, 4}) {  // the pixels, the cells, what was shown, the row marks
         c_options options;
         c_headless_host host(options);
         ::testing::internal::CaptureStderr();
@@ -29,10 +29,11 @@ TEST(host_start, window_does_not_open_without_the_planes)
     c_options options;
     options.window_scale = 1;
     c_window_host host(options);
+    std::string error;
     ::testing::internal::CaptureStderr();
     allocation_fail_at(2);
-    const int status = host.run();
+    EXPECT_FALSE(host.open(error));
     allocation_fail_at(0);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "vexil: out of memory\n");
-    EXPECT_EQ(status, 1);
+    EXPECT_EQ(error, "");  // reported once, by the session
 }

@@ -1,0 +1,9 @@
+10 REM GOSUB and RETURN: a million calls of a small subroutine
+20 T=0
+30 FOR I=1 TO 1000000
+40 GOSUB 80
+50 NEXT I
+60 PRINT T
+70 SYSTEM
+80 T=T+I MOD 3
+90 RETURN

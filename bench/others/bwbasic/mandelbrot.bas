@@ -1,0 +1,21 @@
+10 REM Mandelbrot set as text: 78 x 24 points, up to 100 iterations each, five times
+20 FOR P=1 TO 5
+30 FOR Y=0 TO 23
+40 L$=""
+50 CI=-1.2+Y*0.1
+60 FOR X=0 TO 77
+70 CR=-2.2+X*0.04
+80 ZR=0
+90 ZI=0
+100 C=0
+110 T=ZR*ZR-ZI*ZI+CR
+120 ZI=2*ZR*ZI+CI
+130 ZR=T
+140 C=C+1
+150 IF C<100 AND ZR*ZR+ZI*ZI<4 THEN 110
+160 L$=L$+MID$(" .,:;=+*#%@",INT(C/10)+1,1)
+170 NEXT X
+180 PRINT L$
+190 NEXT Y
+200 NEXT P
+210 SYSTEM
