@@ -2,6 +2,7 @@
 # make run ARGS="..."   build, then run build/vexil with ARGS
 # make test             build everything and run every test
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
+# make fuzz FUZZ_SECONDS=N  each libFuzzer target for N seconds (default 60) under ASan and UBSan, in build-fuzz
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
@@ -15,7 +16,7 @@ BUILD_DIR := build
 CMAKE_FLAGS :=
 endif
 
-.PHONY: all run test bench clean packages configure
+.PHONY: all run test bench clean packages configure fuzz
 
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
@@ -31,7 +32,16 @@ bench: packages
 	bash bench/run.sh
 
 clean:
-	rm -rf build build-sanitize build-release
+	rm -rf build build-sanitize build-release build-fuzz
+
+# clang with its libFuzzer runtime; the engine alone, instrumented, and the three targets.
+FUZZ_SECONDS := 60
+fuzz: PACKAGES += clang libclang-rt-14-dev
+fuzz: packages
+	cmake -S . -B build-fuzz -DVEXIL_FUZZ=ON -DVEXIL_SANITIZE=ON -DCMAKE_CXX_COMPILER=clang++ \
+	  -DCMAKE_BUILD_TYPE=RelWithDebInfo --log-level=WARNING
+	cmake --build build-fuzz $(JOBS)
+	bash fuzz/run.sh build-fuzz $(FUZZ_SECONDS)
 
 configure: packages
 	cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) --log-level=WARNING
