@@ -2,6 +2,7 @@
 # make run ARGS="..."   build, then run build/vexil with ARGS
 # make test             build everything and run every test
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
+# make test TSAN=1     every test under ThreadSanitizer, in build-tsan; any report fails
 # make fuzz FUZZ_SECONDS=N  each libFuzzer target for N seconds (default 60) under ASan and UBSan, in build-fuzz
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
@@ -11,9 +12,17 @@ JOBS := -j2
 ifeq ($(SANITIZE),1)
 BUILD_DIR := build-sanitize
 CMAKE_FLAGS := -DVEXIL_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
+else ifeq ($(TSAN),1)
+BUILD_DIR := build-tsan
+CMAKE_FLAGS := -DVEXIL_TSAN=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo
 else
 BUILD_DIR := build
 CMAKE_FLAGS :=
+endif
+# Reports go to files, from the test binaries and from every vexil the scripts start; any one fails.
+ifeq ($(TSAN),1)
+TEST_ENV := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/report"
+TEST_CHECK := @if ls build-tsan/report.* >/dev/null 2>&1; then cat build-tsan/report.*; exit 1; fi
 endif
 
 .PHONY: all run test bench clean packages configure fuzz
@@ -26,13 +35,14 @@ run: all
 
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
-	cd $(BUILD_DIR) && ctest --output-on-failure
+	cd $(BUILD_DIR) && $(TEST_ENV) ctest --output-on-failure
+	$(TEST_CHECK)
 
 bench: packages
 	bash bench/run.sh
 
 clean:
-	rm -rf build build-sanitize build-release build-fuzz
+	rm -rf build build-sanitize build-release build-fuzz build-tsan
 
 # clang with its libFuzzer runtime; the engine alone, instrumented, and the three targets.
 FUZZ_SECONDS := 60

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The terminal host in a detached tmux session of 100 x 30: keys typed into the pane, the pane's text
 # read back. Checks an answer and its Ok, the grid as wide as the terminal, the editing keys, Control+C
-# breaking an endless line without ending the session, and that after `exit` the session is over and
-# the terminal is back in its normal mode; and that --png still writes the image at the end.
+# breaking an endless line and a long sleep without ending the session, and that after `exit` the
+# session is over and the terminal is back in its normal mode; and that --png still writes the image.
 # usage: terminal.sh VEXIL
 set -uo pipefail
 
@@ -76,6 +76,11 @@ tmux_ send-keys -t vexil C-c
 wait_for '^Break'
 type_line 'print 6*7'
 wait_for '^42$'
+# A program's sleep ends at Control+C, not when its hour is up; cls leaves the earlier Break off the pane.
+type_line 'cls: print "sleeping": sleep 3600000'
+wait_for '^sleeping$'
+tmux_ send-keys -t vexil C-c
+wait_for '^Break'
 
 type_line 'exit'
 for _ in $(seq 100); do
