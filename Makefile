@@ -3,6 +3,7 @@
 # make test             build everything and run every test
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
 # make test TSAN=1     every test under ThreadSanitizer, in build-tsan; any report fails
+# make coverage        every test on a build with coverage counters, then line and branch coverage per folder
 # make fuzz FUZZ_SECONDS=N  each libFuzzer target for N seconds (default 60) under ASan and UBSan, in build-fuzz
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
@@ -25,7 +26,7 @@ TEST_ENV := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.su
 TEST_CHECK := @if ls build-tsan/report.* >/dev/null 2>&1; then cat build-tsan/report.*; exit 1; fi
 endif
 
-.PHONY: all run test bench clean packages configure fuzz
+.PHONY: all run test bench clean packages configure fuzz coverage
 
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
@@ -42,7 +43,7 @@ bench: packages
 	bash bench/run.sh
 
 clean:
-	rm -rf build build-sanitize build-release build-fuzz build-tsan
+	rm -rf build build-sanitize build-release build-fuzz build-tsan build-coverage
 
 # clang with its libFuzzer runtime; the engine alone, instrumented, and the three targets.
 FUZZ_SECONDS := 60
@@ -52,6 +53,15 @@ fuzz: packages
 	  -DCMAKE_BUILD_TYPE=RelWithDebInfo --log-level=WARNING
 	cmake --build build-fuzz $(JOBS)
 	bash fuzz/run.sh build-fuzz $(FUZZ_SECONDS)
+
+# Unoptimised, so every line and branch counts where the source has it; counts start from zero each time.
+coverage: PACKAGES += gcovr
+coverage: packages
+	cmake -S . -B build-coverage -DVEXIL_COVERAGE=ON -DCMAKE_BUILD_TYPE=Debug --log-level=WARNING
+	cmake --build build-coverage $(JOBS)
+	find build-coverage -name '*.gcda' -delete
+	cd build-coverage && ctest --output-on-failure
+	bash tests/coverage.sh build-coverage
 
 configure: packages
 	cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) --log-level=WARNING
