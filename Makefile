@@ -2,7 +2,8 @@
 # make run ARGS="..."   build, then run build/vexil with ARGS
 # make test             build everything and run every test
 # make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
-# make test TSAN=1     every test under ThreadSanitizer, in build-tsan; any report fails
+# make test VALGRIND=1  the same, with the end-to-end cases run under valgrind's memcheck: no error, no leak
+# make test TSAN=1      every test under ThreadSanitizer, in build-tsan; any report fails
 # make coverage        every test on a build with coverage counters, then line and branch coverage per folder
 # make fuzz FUZZ_SECONDS=N  each libFuzzer target for N seconds (default 60) under ASan and UBSan, in build-fuzz
 # Each target first installs the Debian packages it needs when they are missing (as root).
@@ -22,8 +23,14 @@ CMAKE_FLAGS :=
 endif
 # Reports go to files, from the test binaries and from every vexil the scripts start; any one fails.
 ifeq ($(TSAN),1)
-TEST_ENV := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/report"
+TEST_ENVIRONMENT := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/report"
 TEST_CHECK := @if ls build-tsan/report.* >/dev/null 2>&1; then cat build-tsan/report.*; exit 1; fi
+endif
+
+# Any memcheck error, or any block lost (definitely, indirectly or possibly), fails the case.
+ifeq ($(VALGRIND),1)
+PACKAGES += valgrind
+TEST_ENVIRONMENT := VEXIL_E2E_RUNNER="valgrind -q --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible"
 endif
 
 .PHONY: all run test bench clean packages configure fuzz coverage
@@ -36,7 +43,7 @@ run: all
 
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
-	cd $(BUILD_DIR) && $(TEST_ENV) ctest --output-on-failure
+	cd $(BUILD_DIR) && $(TEST_ENVIRONMENT) ctest --output-on-failure
 	$(TEST_CHECK)
 
 bench: packages

@@ -4,9 +4,9 @@
 #include "console/text_editor.h"
 
 #include <cstring>
-#include <new>
 
 #include "console/text_layer.h"
+#include "engine/allocation.h"
 #include "engine/error.h"
 #include "engine/system_resource.h"
 #include "engine/vexil_callback.h"
@@ -32,15 +32,20 @@ void step_down(int& y, c_text_layer& layer)
 }
 
 // Gives an immediate line's record its own copy of the code and source, as a stored line has, so that a
-// label defined in the line can be jumped to. A failed allocation leaves the record without code, and a
-// jump to such a label then finds no code to go to.
-void fill_record(c_program_line& record, const c_parser& parser)
+// label defined in the line can be jumped to. When the copy cannot be had, the line is not run at all:
+// its code goes back and 22 "Out of memory" is left for the report.
+void fill_record(c_program_line& record, c_parser& parser, c_system_resource* res)
 {
     const std::size_t source_length = std::strlen(parser.source);
     record.number = parser.line_number;
-    record.block.reset(new (std::nothrow) unsigned char[parser.code_length + source_length + 1]);
-    if (record.block == nullptr)
+    record.block.reset(allocate_array<unsigned char>(parser.code_length + source_length + 1));
+    if (record.block == nullptr) {
+        parser.variable_release();
+        parser.code[0] = token_end;
+        parser.code_length = 0;
+        res->error_code.raise(error_out_of_memory);
         return;
+    }
     record.code = record.block.get();
     std::memcpy(record.code, parser.code, parser.code_length);
     record.source = reinterpret_cast<char*>(record.code + parser.code_length);
@@ -55,7 +60,7 @@ void execute_immediate(c_text_editor& editor, c_parser& parser, const char* text
     c_system_resource* res = editor.p_system_resource;
     c_program_line record;
     parser.precompile(text, &record);
-    fill_record(record, parser);
+    fill_record(record, parser, res);
 
     editor.input_mode = false;
     editor.cursor_visible = false;
@@ -186,6 +191,12 @@ void c_text_editor::carriage_return()
         execute_immediate(*this, parser, text);
     else if (number > 0)
         p_system_resource->p_interpreter->program_list.add(&parser, text);
+    // A line that could not be stored is said so at once; other errors of a stored line (its
+    // translation) wait for the run that reaches it.
+    if (number > 0 && p_system_resource->error_code == error_out_of_memory) {
+        put_error(error_out_of_memory, 0);
+        return;
+    }
 
     cursor_x = 0;
     step_down(cursor_y, layer);

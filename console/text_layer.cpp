@@ -4,9 +4,8 @@
 #include "console/text_layer.h"
 
 #include <atomic>
-#include <new>
-
 #include "console/font.h"
+#include "engine/allocation.h"
 
 namespace {
 
@@ -65,7 +64,7 @@ bool c_graphic_layer::allocate(int line_length, int line_count)
     release();
     height = line_length;
     width = line_count;
-    pixels = new (std::nothrow) std::uint16_t[static_cast<std::size_t>(height) * width]();
+    pixels = allocate_array<std::uint16_t>(static_cast<std::size_t>(height) * width);
     return pixels != nullptr;
 }
 
@@ -78,7 +77,7 @@ bool c_text_layer::allocate(int screen_height, int screen_width, int line_step, 
     columns = screen_width / glyph_width;
     rows = screen_height / glyph_height;
     p_graphic_layer = graphic_layer;
-    cells = new (std::nothrow) std::uint32_t[static_cast<std::size_t>(columns) * rows + 1];
+    cells = allocate_array<std::uint32_t>(static_cast<std::size_t>(columns) * rows + 1);
     if (cells == nullptr)
         return false;
     clear();

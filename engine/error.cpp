@@ -3,7 +3,7 @@
 
 #include <iterator>
 
-const char* const error_messages[error_count] = {
+const char* const error_messages[] = {
     "No error",
     "Break",
     "Too long line",
@@ -28,7 +28,7 @@ const char* const error_messages[error_count] = {
     "GOSUB stack overflow",
     "Out of memory",
 };
-static_assert(std::size(error_messages) == 23);
+static_assert(std::size(error_messages) == error_count);  // codes index it: a row dropped or added fails here
 
 const char* error_message(int code)
 {

@@ -27,7 +27,7 @@ constexpr int error_gosub_overflow = 21;      // "GOSUB stack overflow"
 constexpr int error_out_of_memory = 22;       // "Out of memory"
 
 constexpr int error_count = 23;
-extern const char* const error_messages[error_count];
+extern const char* const error_messages[];  // unsized: its definition's count is checked
 
 // The message of a code; codes outside the table read as "No error" rather than past its end.
 const char* error_message(int code);

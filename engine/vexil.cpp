@@ -38,7 +38,7 @@ c_vexil::~c_vexil()
     graphic_layer.release();
 }
 
-void c_vexil::initialize(c_vexil_callback* callback)
+bool c_vexil::initialize(c_vexil_callback* callback)
 {
     c_system_resource& res = system_resource;
     res.p_graphic_layer = &graphic_layer;
@@ -54,15 +54,20 @@ void c_vexil::initialize(c_vexil_callback* callback)
     text_editor.p_system_resource = &res;
     keyboard.p_system_resource = &res;
 
-    // A failure to allocate the planes is not handled: the host cannot run without them.
-    (void)graphic_layer.allocate(screen_height, screen_width);
-    (void)text_layer.allocate(screen_height, screen_width, line_step, &graphic_layer);
+    // Without both planes there is no console to say anything on: the host reports it and ends.
+    if (!graphic_layer.allocate(screen_height, screen_width)
+        || !text_layer.allocate(screen_height, screen_width, line_step, &graphic_layer)) {
+        text_layer.release();
+        graphic_layer.release();
+        return false;
+    }
 
     text_editor.input_mode = false;
     text_editor.put_str("VEXIL v0.0.7\r\n");
     text_editor.put_str("A line-numbered BASIC for the home-computer screen.\r\n");
     text_editor.put_str("Ok\r\n");
     text_editor.input_mode = true;
+    return true;
 }
 
 void c_vexil::run(const char* program_name)

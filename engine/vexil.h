@@ -22,7 +22,8 @@ public:
     c_vexil& operator=(const c_vexil&) = delete;
     ~c_vexil();
 
-    void initialize(c_vexil_callback* callback);
+    // False, with no banner and no planes, when the planes cannot be allocated: the engine cannot run.
+    bool initialize(c_vexil_callback* callback);
     void run(const char* program_name);  // returns when `exit` has run
     void key(int code);                  // host thread
     void force_break();                  // host thread

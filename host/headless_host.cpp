@@ -48,22 +48,35 @@ c_headless_host::c_headless_host(const c_options& options) : options(options), t
 
 int c_headless_host::run()
 {
-    engine.initialize(this);
+    if (!engine.initialize(this)) {
+        std::fputs("vexil: out of memory\n", stderr);
+        return 1;
+    }
     recording = !options.print_screen;
     c_interrupt_handler interrupt_handler(&engine);
     c_wake_pipe wake_pipe;
 
     const char* program = options.program_file.empty() ? nullptr : options.program_file.c_str();
     std::thread reader([&] { read_keys(wake_pipe.fds[0]); });
-    std::thread engine_thread([&] { engine.run(program); });
-    engine_thread.join();
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        stopping = true;
+    auto stop_reader = [&] {
+        {
+            std::lock_guard<std::mutex> guard(mutex);
+            stopping = true;
+        }
+        ring_changed.notify_all();
+        wake_pipe.wake();
+        reader.join();
+    };
+    std::thread engine_thread;
+    try {
+        engine_thread = std::thread([&] { engine.run(program); });
+    } catch (...) {
+        // No engine thread to be had: the reader is stopped before main reports the failure.
+        stop_reader();
+        throw;
     }
-    ring_changed.notify_all();
-    wake_pipe.wake();
-    reader.join();
+    engine_thread.join();
+    stop_reader();
     return finish();
 }
 

@@ -3,10 +3,13 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <string>
 #include <system_error>
 
@@ -101,6 +104,9 @@ int run_chosen_host(const c_options& options)
 
 int main(int argc, char** argv)
 {
+    // Past a file-size limit a write fails, and `save` and `fprint` report it, instead of the process
+    // being killed half-way through a file.
+    std::signal(SIGXFSZ, SIG_IGN);
     c_options options;
     std::string error;
     if (!parse_command_line(argc, argv, options, error)) {
@@ -115,5 +121,14 @@ int main(int argc, char** argv)
         std::printf("%s\n", vexil_version);
         return 0;
     }
-    return run_chosen_host(options);
+    // The hosts' threads and buffers come from the C++ library, which throws when the system refuses
+    // them: one line, as for every other failure to start.
+    try {
+        return run_chosen_host(options);
+    } catch (const std::bad_alloc&) {
+        std::fputs("vexil: out of memory\n", stderr);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "vexil: cannot start: %s\n", failure.what());
+    }
+    return 1;
 }

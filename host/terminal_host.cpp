@@ -44,13 +44,23 @@ int c_terminal_host::run()
     p_engine = std::make_unique<c_vexil>();
     c_vexil& engine = *p_engine;
     set_geometry();
-    engine.initialize(this);
+    if (!engine.initialize(this)) {
+        screen.close();
+        std::fputs("vexil: out of memory\n", stderr);
+        return 1;
+    }
     interrupt_handler.set_engine(&engine);
     const char* program = options.program_file.empty() ? nullptr : options.program_file.c_str();
-    std::thread engine_thread([&] {
-        engine.run(program);
-        finished = true;
-    });
+    std::thread engine_thread;
+    try {
+        engine_thread = std::thread([&] {
+            engine.run(program);
+            finished = true;
+        });
+    } catch (...) {
+        screen.close();  // the terminal in its normal mode again before main reports the failure
+        throw;
+    }
     serve_terminal();
     engine_thread.join();
     screen.close();

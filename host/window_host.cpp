@@ -98,7 +98,10 @@ bool c_window_host::open(std::string& error)
     }
     // The engine starts as soon as the window exists: making a renderer can take a good part of a
     // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
-    start_engine(width, height);
+    if (!start_engine(width, height)) {
+        error = "out of memory";
+        return false;
+    }
     p_renderer = SDL_CreateRenderer(p_window, -1, 0);
     if (p_renderer != nullptr)
         p_texture = SDL_CreateTexture(p_renderer, SDL_PIXELFORMAT_RGB565, SDL_TEXTUREACCESS_STREAMING, width, height);
@@ -112,9 +115,10 @@ bool c_window_host::open(std::string& error)
     return true;
 }
 
-void c_window_host::start_engine(int width, int height)
+bool c_window_host::start_engine(int width, int height)
 {
-    engine.initialize(this);
+    if (!engine.initialize(this))
+        return false;
     frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
     upright.assign(frame_buffer.size(), 0);
     SDL_StartTextInput();
@@ -127,6 +131,7 @@ void c_window_host::start_engine(int width, int height)
         wake.type = wake_event;
         SDL_PushEvent(&wake);
     });
+    return true;
 }
 
 bool c_window_host::step()

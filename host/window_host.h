@@ -37,7 +37,7 @@ public:
 
     // Opens the window and starts the engine; false with a one-line reason.
     bool open(std::string& error);
-    void start_engine(int width, int height);
+    bool start_engine(int width, int height);  // false when the engine cannot have its planes
     // One pass of the event loop: waits up to a frame for events, handles them, draws and presents
     // when the frame is due. False once the application has ended.
     bool step();

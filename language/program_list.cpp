@@ -6,11 +6,13 @@
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
-#include <new>
+#include <system_error>
 #include <utility>
 
 #include "console/text_editor.h"
+#include "engine/allocation.h"
 #include "engine/error.h"
 #include "engine/system_resource.h"
 #include "language/parser.h"
@@ -20,6 +22,8 @@ namespace {
 
 constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
 constexpr int file_line_size = 256;     // a file line of at most 255 characters and its terminator
+constexpr int name_capacity = 260;      // a file name as the commands pass it, terminator included
+constexpr char temporary_suffix[] = ".vexil-saving";
 
 // Copies the workspace's code and source into one new block; false when the block cannot be had,
 // with the record unchanged.
@@ -27,7 +31,7 @@ bool fill(c_program_line* line, const c_parser* parser)
 {
     int code_length = parser->code_length;
     std::size_t source_length = std::strlen(parser->source);
-    std::unique_ptr<unsigned char[]> block(new (std::nothrow) unsigned char[code_length + source_length + 1]);
+    std::unique_ptr<unsigned char[]> block(allocate_array<unsigned char>(code_length + source_length + 1));
     if (block == nullptr)
         return false;
     std::memcpy(block.get(), parser->code, code_length);
@@ -75,6 +79,13 @@ void remove(c_program_list& program, c_program_line* line)
     delete line;
 }
 
+// Blank text (-1) is to delete. A translation that ran out of memory stores nothing either: a line
+// kept without its code would fail only when run, with a syntax error that hides the cause.
+bool translated(c_parser* parser, const char* text, c_program_line* line, c_system_resource* res)
+{
+    return parser->precompile(text, line) != -1 && res->error_code != error_out_of_memory;
+}
+
 // The old code's references go back before the new text is translated, so a variable that only
 // this line named starts afresh: re-entering "10 i=i+1" counts from 0 again. Blank text deletes.
 void replace(c_program_list& program, c_program_line* line, c_parser* parser, const char* text)
@@ -83,7 +94,7 @@ void replace(c_program_list& program, c_program_line* line, c_parser* parser, co
     res->p_variable_manager->line_release(line->code, line->code_length, line);
     line->code = nullptr;
     line->code_length = 0;
-    if (parser->precompile(text, line) == -1 || !store(line, parser, res))
+    if (!translated(parser, text, line, res) || !store(line, parser, res))
         remove(program, line);
 }
 
@@ -91,12 +102,12 @@ void replace(c_program_list& program, c_program_line* line, c_parser* parser, co
 void add_new(c_program_list& program, c_program_line* before, c_parser* parser, const char* text)
 {
     c_system_resource* res = program.p_system_resource;
-    auto* line = new (std::nothrow) c_program_line;
+    auto* line = allocate_object<c_program_line>();
     if (line == nullptr) {
         res->error_code.raise(error_out_of_memory);
         return;
     }
-    if (parser->precompile(text, line) == -1 || !store(line, parser, res)) {
+    if (!translated(parser, text, line, res) || !store(line, parser, res)) {
         delete line;
         return;
     }
@@ -115,6 +126,47 @@ bool number_line(c_parser& parser, long long number, c_system_resource* res)
     const char* cursor = text;
     parser.check_line_no(cursor);
     return res->error_code == error_none;
+}
+
+// Every byte written, flushed and closed, or false.
+bool write_lines(std::FILE* file, const c_program_line* first)
+{
+    bool written = true;
+    for (const c_program_line* line = first; line != nullptr && written; line = line->next) {
+        const std::size_t length = std::strlen(line->source);
+        written = std::fwrite(line->source, 1, length, file) == length && std::fwrite("\r\n", 1, 2, file) == 2;
+    }
+    written = written && std::fflush(file) == 0;
+    return std::fclose(file) == 0 && written;
+}
+
+// A device or a pipe cannot be replaced: it is written as it is.
+bool write_in_place(const char* name, const c_program_line* first)
+{
+    std::FILE* file = std::fopen(name, "wb");
+    return file != nullptr && write_lines(file, first);
+}
+
+// A file is replaced only by a complete new one: the program goes to a file beside it, which takes the
+// old one's name and permissions once every byte is written. A full disk, a file-size limit or any
+// other failure leaves the old file as it was.
+bool write_replacing(const char* name, const c_program_line* first)
+{
+    char temporary[name_capacity + sizeof temporary_suffix];
+    if (std::snprintf(temporary, sizeof temporary, "%s%s", name, temporary_suffix) >= static_cast<int>(sizeof temporary))
+        return false;
+    std::FILE* file = std::fopen(temporary, "wb");
+    if (file == nullptr)
+        return false;
+    std::error_code failure;
+    const auto permissions = std::filesystem::status(name, failure).permissions();
+    if (write_lines(file, first) && std::rename(temporary, name) == 0) {
+        if (permissions != std::filesystem::perms::unknown)
+            std::filesystem::permissions(name, permissions, failure);
+        return true;
+    }
+    std::remove(temporary);
+    return false;
 }
 
 void cut_at_line_end(char* text)
@@ -173,16 +225,12 @@ void c_program_list::clear()
 
 int c_program_list::save(const char* name)
 {
-    std::FILE* file = std::fopen(name, "wb");
-    if (file == nullptr) {
+    std::error_code failure;
+    const bool replace = std::filesystem::is_regular_file(name, failure) || !std::filesystem::exists(name, failure);
+    if (!(replace ? write_replacing(name, first) : write_in_place(name, first))) {
         p_system_resource->error_code.raise(error_device_io);
         return 0;
     }
-    for (const c_program_line* line = first; line != nullptr; line = line->next) {
-        std::fputs(line->source, file);
-        std::fputs("\r\n", file);
-    }
-    std::fclose(file);
     return 1;
 }
 
@@ -212,8 +260,14 @@ int c_program_list::load(const char* name, int start, int step)
         }
         number += step;
     }
+    // A directory opens but cannot be read: like any file that cannot be read, it cannot be opened.
+    const bool unreadable = std::ferror(file) != 0;
     std::fclose(file);
     current = nullptr;
+    if (unreadable) {
+        p_system_resource->error_code.raise(error_cannot_open);
+        return 0;
+    }
     return 1;
 }
 

@@ -15,12 +15,15 @@ public:
     ~c_program_list();
 
     // Stores, replaces or deletes the line numbered by parser->line_number; 22 "Out of memory"
-    // leaves the line absent; a failed translation stores the source with no code.
+    // (in translation too) leaves the line absent; another failed translation stores the source
+    // with no code.
     void add(c_parser* parser, const char* text);
     void renumber(int start, int step);
     void clear();
-    int save(const char* name);                       // 1, or 0 with 11 "Device I/O error"
-    int load(const char* name, int start, int step);  // 1, or 0 with the error set
+    // 1, or 0 with 11 "Device I/O error"; on failure a file saved over is left as it was.
+    int save(const char* name);
+    // 1, or 0 with the error set: 12 "Cannot open file" for a file that cannot be opened or read.
+    int load(const char* name, int start, int step);
     void list(int from, int to);
 
     c_program_line* first = nullptr;

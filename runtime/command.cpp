@@ -171,17 +171,19 @@ void cmd_save(const unsigned char*& p, c_system_resource* res)
     (void)res->p_interpreter->program_list.save(name);
 }
 
-// Ends the run through the end mark with no current line. Any failure of the store reads as 11;
-// the number check inside it resets the code line by line, so the name's own code is raised again.
+// Ends the run through the end mark with no current line. Any failure of the store reads as 11 but
+// running out of memory, which says what went wrong; the number check inside the store resets the
+// code line by line, so the name's own code is raised again.
 void cmd_load(const unsigned char*& p, c_system_resource* res)
 {
     char name[file_name_size];
     int code = read_file_name(p, res, name);
     c_program_list& program = res->p_interpreter->program_list;
     program.clear();
-    if (program.load(name, load_start, load_step) == 0)
-        res->error_code = error_device_io;
-    else
+    if (program.load(name, load_start, load_step) == 0) {
+        if (res->error_code != error_out_of_memory)
+            res->error_code = error_device_io;
+    } else
         res->error_code.raise(code);
     p = &end_mark;
 }

@@ -14,7 +14,7 @@ struct c_command_row {
 
 class c_command {
 public:
-    static const c_command_row command_list[22];
+    static const c_command_row command_list[];  // unsized: its definition's count is checked
     static int get_code(const char* name);  // the row whose name matches exactly, or -1
 };
 

@@ -8,7 +8,7 @@
 
 const unsigned char end_mark = token_end;
 
-const c_command_row c_command::command_list[22] = {
+const c_command_row c_command::command_list[] = {
     {"exit", cmd_exit},
     {"run", cmd_run},
     {"print", cmd_print},

@@ -16,7 +16,7 @@ struct c_function_row {
 
 class c_function {
 public:
-    static const c_function_row function_list[25];
+    static const c_function_row function_list[];  // unsized: its definition's count is checked
     static int get_code(const char* name);  // the row whose name matches exactly, or -1
 };
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <iterator>
 
-const c_function_row c_function::function_list[25] = {
+const c_function_row c_function::function_list[] = {
     {"rnd", fnc_rnd, 1},
     {"sin", fnc_sin, 1},
     {"cos", fnc_cos, 1},

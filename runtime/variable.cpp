@@ -3,17 +3,21 @@
 // reference given back deletes the variable, which leaves its list and frees its id.
 #include "runtime/variable.h"
 
+#include <atomic>
 #include <cstring>
 #include <initializer_list>
 #include <limits>
-#include <new>
 
+#include "engine/allocation.h"
 #include "engine/debug_log.h"
 #include "engine/error.h"
 
 namespace {
 
 constexpr std::uint32_t first_slot_count = 64;
+
+// The bytes held by every array of every engine in the process, kept under array_memory_limit.
+std::atomic<std::size_t> array_bytes{0};
 
 // Elements of `count` dimensions of the given sizes, or false when the product overflows.
 bool element_total(int count, const int* sizes, std::size_t& total)
@@ -77,6 +81,11 @@ c_variable_array::~c_variable_array()
 
 void c_variable_array::clear()
 {
+    if (elements != nullptr) {
+        std::size_t total = 0;
+        (void)element_total(dimension_count, size, total);  // it fitted when the storage was taken
+        array_bytes -= total * element_size;
+    }
     delete[] static_cast<unsigned char*>(elements);
     elements = nullptr;
     dimension_count = 0;
@@ -97,13 +106,16 @@ int c_variable_array::dim(int count, const int* bounds)
         sizes[i] = bounds[i] + 1;
     }
     std::size_t total = 0;
-    std::size_t limit = static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max());
-    if (!element_total(count, sizes, total) || total > limit / element_size)
+    if (!element_total(count, sizes, total) || total > array_memory_limit / element_size)
         return error_out_of_memory;
-    // Value-initialised: integers 0, reals 0.0, strings of length 0.
-    unsigned char* storage = new (std::nothrow) unsigned char[total * element_size]();
+    const std::size_t bytes = total * element_size;
+    if (bytes > array_memory_limit - array_bytes)
+        return error_out_of_memory;
+    // Zeroed: integers 0, reals 0.0, strings of length 0.
+    unsigned char* storage = allocate_array<unsigned char>(bytes);
     if (storage == nullptr)
         return error_out_of_memory;
+    array_bytes += bytes;
     elements = storage;
     dimension_count = count;
     std::memcpy(size, sizes, sizeof(int) * static_cast<std::size_t>(count));
@@ -118,8 +130,9 @@ int c_variable_array::offset_of(int count, const int* indices, std::size_t& offs
         for (int i = 0; i < count; ++i)
             bounds[i] = automatic_bound;
         dlog.printf("  Array: Automatic array dim %s[ %d elements ]\n", name, count);
-        // A failure is not reported here: the dimension count below no longer matches.
-        (void)dim(count, bounds);
+        // Storage that cannot be had is out of memory, not a subscript out of range.
+        if (dim(count, bounds) == error_out_of_memory)
+            return error_out_of_memory;
     }
     if (elements == nullptr || dimension_count != count)
         return error_subscript;
@@ -195,6 +208,11 @@ int c_variable_string_array::set(int count, const int* indices, const char* text
     element.length = length;
     std::memmove(element.text, text, static_cast<std::size_t>(length));
     return error_none;
+}
+
+std::size_t array_memory_used()
+{
+    return array_bytes;
 }
 
 c_variable_manager::c_variable_manager() = default;
@@ -292,19 +310,19 @@ c_variable* c_variable_manager::create(unsigned char kind)
 {
     switch (kind) {
     case token_integer_variable:
-        return new (std::nothrow) c_variable_integer;
+        return allocate_object<c_variable_integer>();
     case token_real_variable:
-        return new (std::nothrow) c_variable_real;
+        return allocate_object<c_variable_real>();
     case token_string_variable:
-        return new (std::nothrow) c_variable_string;
+        return allocate_object<c_variable_string>();
     case token_integer_array:
-        return new (std::nothrow) c_variable_integer_array;
+        return allocate_object<c_variable_integer_array>();
     case token_real_array:
-        return new (std::nothrow) c_variable_real_array;
+        return allocate_object<c_variable_real_array>();
     case token_string_array:
-        return new (std::nothrow) c_variable_string_array;
+        return allocate_object<c_variable_string_array>();
     case token_label:
-        return new (std::nothrow) c_variable_label;
+        return allocate_object<c_variable_label>();
     default:
         return nullptr;
     }
@@ -316,8 +334,8 @@ bool c_variable_manager::grow()
     if (slot_count > std::numeric_limits<std::uint32_t>::max() / 2)
         return false;
     std::uint32_t new_count = slot_count == 0 ? first_slot_count : slot_count * 2;
-    c_variable** new_slots = new (std::nothrow) c_variable*[new_count]();
-    std::uint32_t* new_free_ids = new (std::nothrow) std::uint32_t[new_count];
+    c_variable** new_slots = allocate_array<c_variable*>(new_count);
+    std::uint32_t* new_free_ids = allocate_array<std::uint32_t>(new_count);
     if (new_slots == nullptr || new_free_ids == nullptr) {
         delete[] new_slots;
         delete[] new_free_ids;

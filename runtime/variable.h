@@ -13,6 +13,12 @@ constexpr int name_capacity = 32;     // characters of a name; longer names are 
 constexpr int max_dimensions = 8;
 constexpr int max_bound = 65535;      // the largest upper bound of one dimension
 constexpr int automatic_bound = 10;   // an undimensioned array used in code gets 11 elements a dimension
+// All arrays together hold at most 1 GiB: a dim past it reports 22 "Out of memory" rather than being
+// granted and then touched until the machine runs out. It is far above what the handheld could hold.
+constexpr std::size_t array_memory_limit = std::size_t{1} << 30;
+
+// The bytes all arrays hold now, in every engine of the process.
+std::size_t array_memory_used();
 
 class c_variable {
 public:
@@ -67,7 +73,7 @@ public:
     ~c_variable_array() override;
     void clear() override;         // frees the storage: the array is undimensioned again
     // 13 when already dimensioned, 14 for more than 8 dimensions or a bound outside 0..65535,
-    // 22 when the storage cannot be had (the array stays undimensioned).
+    // 22 when the storage cannot be had or would pass array_memory_limit (the array stays undimensioned).
     [[nodiscard]] int dim(int count, const int* bounds);
     bool dimensioned() const { return elements != nullptr; }
 
@@ -77,7 +83,8 @@ public:
 
 protected:
     explicit c_variable_array(std::size_t element_bytes) : element_size(element_bytes) {}
-    // Dimensions automatically when needed, then checks the count and every index: 0 or 14.
+    // Dimensions automatically when needed, then checks the count and every index: 0, 14, or 22 when
+    // the automatic storage cannot be had.
     [[nodiscard]] int offset_of(int count, const int* indices, std::size_t& offset);
 
 private:

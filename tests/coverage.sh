@@ -12,7 +12,7 @@ gcovr --root . --object-directory "$build" --filter 'engine/' --filter 'console/
     --json "$json" --txt "$build/coverage.txt" --branches
 
 summary() {
-    gcovr --add-tracefile "$json" --root . "$@" --print-summary --txt /dev/null | awk -v name="$name" '
+    gcovr --add-tracefile "$json" --root . "$@" --print-summary | awk -v name="$name" '
         /^lines:/ {lines = $2 " " $3 " " $4 " " $5 " " $6}
         /^branches:/ {branches = $2 " " $3 " " $4 " " $5 " " $6}
         END {printf "%-10s lines %-26s branches %s\n", name, lines, branches}'

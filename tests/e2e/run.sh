@@ -2,6 +2,8 @@
 # Runs every case in cases/ against the binary, as `vexil --headless ARGS [NAME.bas] < NAME.keys`, and
 # compares standard output, exit status, standard error and, when asked, the PNG written.
 # usage: run.sh VEXIL PNG_PROBE [NAME...]
+# With VEXIL_E2E_RUNNER set (make test VALGRIND=1 sets a valgrind command), the binary runs under it;
+# what it reports goes to standard error and fails the case.
 #
 # A case is NAME.case, lines of "field: value" ('#' lines say what the case checks):
 #   args: OPTIONS        put before the program file; the word PNG stands for a temporary image file
@@ -52,7 +54,7 @@ run_case() {
     done
     [ -f "$cases_dir/$name.bas" ] && argv+=("$cases_dir/$name.bas")
 
-    (cd "$dir" && "$vexil" --headless "${argv[@]}" < "$keys" > "$dir/stdout" 2> "$dir/stderr")
+    (cd "$dir" && ${VEXIL_E2E_RUNNER:-} "$vexil" --headless "${argv[@]}" < "$keys" > "$dir/stdout" 2> "$dir/stderr")
     local actual_status=$? problems=""
 
     local expected=/dev/null

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -44,8 +45,14 @@ const start_case start_cases[] = {
 
 TEST(error_table, holds_the_messages_in_code_order)
 {
-    EXPECT_STREQ(error_message(error_none), "No error");
-    EXPECT_STREQ(error_message(error_break), "Break");
+    const char* const messages[] = {"No error", "Break", "Too long line", "Illegal line number", "Syntax error",
+        "Division by zero", "Type mismatch", "Not found right blacket ')'", "Out of string space",
+        "Illegal parameter", "Invalid label", "Device I/O error", "Cannot open file", "Redimensioned array",
+        "Subscript out of range", "Illegal loop counter", "NEXT without FOR", "FOR stack overflow",
+        "Already opened", "Invalid descriptor", "RETURN without GOSUB", "GOSUB stack overflow", "Out of memory"};
+    ASSERT_EQ(std::size(messages), static_cast<std::size_t>(error_count));
+    for (int code = 0; code < error_count; ++code)
+        EXPECT_STREQ(error_message(code), messages[code]) << code;
     EXPECT_STREQ(error_message(error_right_bracket), "Not found right blacket ')'");
     EXPECT_STREQ(error_message(error_out_of_memory), "Out of memory");
     EXPECT_STREQ(error_message(23), "No error");  // outside the table

@@ -1,7 +1,9 @@
 // The stored program: ordering, replacing and deleting lines as the screen shows them, and the program
 // file format read and written in a temporary directory.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -61,6 +63,45 @@ TEST_F(program_files, save_writes_each_source_and_cr_lf_and_an_empty_program_emp
         std::ifstream file(path(name), std::ios::binary);
         EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), name[0] == 'o' ? "" : "i=1\r\nprint i\r\n");
     }
+}
+
+// A save that fails leaves the old file whole and no temporary file beside it: past a file-size limit
+// (a full disk fails the same way) and on a device that is always full, which is written in place and
+// must stay a device. A save that succeeds keeps the old file's permissions.
+TEST_F(program_files, save_replaces_a_file_only_when_every_byte_is_written)
+{
+    for (int line = 1; line <= 200; ++line)
+        console.enter(std::to_string(line) + " print \"" + std::string(60, 'x') + "\"");
+    std::ofstream(path("old.bas")) << "old contents\r\n";
+    std::filesystem::permissions(path("old.bas"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    const rlimit unlimited = {RLIM_INFINITY, RLIM_INFINITY}, small = {4096, RLIM_INFINITY};
+    auto old_action = std::signal(SIGXFSZ, SIG_IGN);  // as the hosts do
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_EQ(program.save(path("old.bas").c_str()), 0);
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    std::signal(SIGXFSZ, old_action);
+    EXPECT_EQ(console.resource()->error_code, error_device_io);
+    std::ifstream old_file(path("old.bas"), std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(old_file), {}), "old contents\r\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory), {}), 1);
+
+    console.resource()->error_code = 0;
+    EXPECT_EQ(program.save("/dev/full"), 0);
+    EXPECT_EQ(console.resource()->error_code, error_device_io);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+
+    EXPECT_EQ(program.save(path("old.bas").c_str()), 1);
+    EXPECT_EQ(std::filesystem::file_size(path("old.bas")), 200u * 70);
+    EXPECT_EQ(std::filesystem::status(path("old.bas")).permissions(),
+        std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST_F(program_files, load_of_a_directory_fails_as_a_file_that_cannot_be_opened)
+{
+    console.enter("5 i=5");
+    EXPECT_EQ(program.load(directory.c_str(), 100, 10), 0);
+    EXPECT_EQ(console.resource()->error_code, error_cannot_open);
+    EXPECT_EQ(listed(), "5 i=5\n");
 }
 
 // The file is loaded after a line 5 typed at the prompt, to which it adds.

@@ -9,7 +9,20 @@
 #include <vector>
 
 #include "engine/error.h"
+#include "runtime/command.h"
 #include "support/value_check.h"
+
+// Stored code holds row numbers: every keyword must keep its row, and the table must end after fprint.
+TEST(command_table, keeps_every_keyword_in_the_row_stored_code_names)
+{
+    const char* const rows[] = {"exit", "run", "print", "printh", "locate", "cls", "sleep", "save", "load", "list",
+        "new", "randomize", "renum", "dim", "update_scr", "set_pixel", "set_text_color", "end", "fropen", "fwopen",
+        "fclose", "fprint"};
+    for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
+        EXPECT_EQ(c_command::get_code(rows[row]), row) << rows[row];
+        EXPECT_STREQ(c_command::command_list[row].name, rows[row]);
+    }
+}
 
 TEST(print, prints_one_value_and_a_line_end_unless_a_semicolon_follows_then_reports_a_failure)
 {
@@ -173,5 +186,8 @@ TEST(save_and_load, give_the_program_back_numbered_from_100_and_report_device_er
     EXPECT_EQ(console.output(named("load", "bad.bas")), "Device I/O error.\nOk\n");
     EXPECT_EQ(console.output("list"), "100 print 1\n110 x=1\nOk\n");  // the lines read are kept
     EXPECT_EQ(console.output(named("save", "missing/p.bas")), "Device I/O error.\nOk\n");
+    EXPECT_EQ(console.output(named("load", ".") + "\nlist"), "Ok\n");  // a directory opens but cannot be read
+    EXPECT_EQ(console.output(named("load", ".")), "Device I/O error.\nOk\n");
+    EXPECT_EQ(console.output("10 print 1\nsave \"/dev/full\""), "Device I/O error.\nOk\n");
     std::filesystem::remove_all(directory);
 }

@@ -1,7 +1,21 @@
 // The built-in functions as print shows them; a failing argument shows the value the call left.
 #include <gtest/gtest.h>
 
+#include <iterator>
+
+#include "runtime/function.h"
 #include "support/value_check.h"
+
+// Stored code holds row numbers: every function must keep its row; asc came last so that none moved.
+TEST(function_table, keeps_every_function_in_the_row_stored_code_names)
+{
+    const char* const rows[] = {"rnd", "sin", "cos", "tan", "log", "sqrt", "exp", "log10", "abs", "asin", "acos",
+        "atan", "sinh", "cosh", "tanh", "inkey", "rgb", "mid", "len", "finput", "feof", "hex", "chr", "bin", "asc"};
+    for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
+        EXPECT_EQ(c_function::get_code(rows[row]), row) << rows[row];
+        EXPECT_STREQ(c_function::function_list[row].name, rows[row]);
+    }
+}
 
 TEST(functions, compute_reals_with_the_c_library)
 {

@@ -153,6 +153,7 @@ TEST(dim, dimensions_every_array_listed_up_to_its_limits)
         {"dim ia(65536)", "Subscript out of range.\nOk\n"},      {"dim ia(1,1,1,1,1,1,1,1,1)", "Syntax error.\nOk\n"},
         {"dim i", "Syntax error.\nOk\n"},  {"dim ia 5", "Syntax error.\nOk\n"},
         {"dim ia(65535,65535,65535,65535)", "Out of memory.\nOk\n"},  // 2 to the 64 elements
+        {"dim ia(16383,16384)", "Out of memory.\nOk\n"},  // past all arrays' 1 GiB, never touched
         {"dim ia(65535,65535,65535,65535,65536)", "Subscript out of range.\nOk\n"},  // bounds come first
         // A stored line keeps the arrays alive between the immediate lines.
         {"10 print ia(1)\ndim ia(65535,65535,65535,65535)\ndim ia(3)", "Ok\n"},

@@ -1,5 +1,6 @@
 // What the interpreter cannot reach: nine dimensions, and the registry's counts, ids and links.
-// Limits it can reach (bounds, 8 dimensions, redimensioning, out of memory) are checked on the screen.
+// Limits it can reach (bounds, 8 dimensions, redimensioning, out of memory) are checked on the screen;
+// here the byte count all arrays share.
 #include "runtime/variable.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/allocation.h"
 #include "engine/error.h"
 
 namespace {
@@ -34,6 +36,32 @@ TEST(arrays, take_eight_dimensions_and_refuse_nine_declared_or_automatic)
     EXPECT_EQ(automatic.get(9, bounds, value), error_subscript);
     EXPECT_FALSE(nine.dimensioned());
     EXPECT_FALSE(automatic.dimensioned());
+}
+
+TEST(arrays, count_their_bytes_together_against_one_limit)
+{
+    const std::size_t before = array_memory_used();
+    const int ten_by_ten[2] = {9, 9}, gibibyte[2] = {16383, 16383};  // 2 to the 28 ints: the limit exactly
+    c_variable_integer_array small, large;
+    ASSERT_EQ(small.dim(2, ten_by_ten), error_none);
+    EXPECT_EQ(array_memory_used(), before + 400);
+    EXPECT_EQ(large.dim(2, gibibyte), error_out_of_memory);  // with the small one, one past the limit
+    EXPECT_FALSE(large.dimensioned());
+    small.clear();
+    EXPECT_EQ(array_memory_used(), before);
+}
+
+TEST(arrays, report_automatic_storage_that_cannot_be_had_as_out_of_memory)
+{
+    const int index[1] = {1};
+    c_variable_string_array automatic;
+    const char* text = nullptr;
+    int length = 0;
+    allocation_fail_at(1);
+    EXPECT_EQ(automatic.get(1, index, text, length), error_out_of_memory);
+    allocation_fail_at(0);
+    EXPECT_FALSE(automatic.dimensioned());
+    EXPECT_EQ(automatic.get(1, index, text, length), error_none);
 }
 
 TEST(variable_registry, uses_share_a_variable_until_the_last_release_and_the_rest_stay_linked)
