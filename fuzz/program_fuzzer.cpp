@@ -4,12 +4,12 @@
 #include <cstdio>
 
 #include "fuzz/fuzz_session.h"
+#include "fuzz/scratch_files.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     c_fuzz_session session;
-    // A plain name: the file goes to the scratch folder, as every file the engine opens does.
-    if (std::FILE* file = std::fopen("fuzz.bas", "wb")) {
+    if (std::FILE* file = scratch_fopen("fuzz.bas", "wb")) {
         std::fwrite(data, 1, size, file);
         std::fclose(file);
     }

@@ -1,4 +1,4 @@
-// The wrapped file calls: a plain name becomes a path in the scratch folder, any other name fails
+// The engine's file calls: a plain name becomes a path in the scratch folder, any other name fails
 // as a file that cannot be opened would. The folder is made on first use and removed at exit.
 #include "fuzz/scratch_files.h"
 
@@ -10,12 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-
-extern "C" {
-std::FILE* __real_fopen(const char* name, const char* mode);
-int __real_remove(const char* name);
-int __real_rename(const char* from, const char* to);
-}
 
 namespace {
 
@@ -73,24 +67,24 @@ void scratch_clear()
     ::closedir(folder);
 }
 
-extern "C" std::FILE* __wrap_fopen(const char* name, const char* mode)
+std::FILE* scratch_fopen(const char* name, const char* mode)
 {
     const std::string path = scratch_path(name);
     if (path.empty())
         return nullptr;
     files_made = true;
-    return __real_fopen(path.c_str(), mode);
+    return std::fopen(path.c_str(), mode);
 }
 
-extern "C" int __wrap_remove(const char* name)
+int scratch_remove(const char* name)
 {
     const std::string path = scratch_path(name);
-    return path.empty() ? -1 : __real_remove(path.c_str());
+    return path.empty() ? -1 : std::remove(path.c_str());
 }
 
-extern "C" int __wrap_rename(const char* from, const char* to)
+int scratch_rename(const char* from, const char* to)
 {
     const std::string from_path = scratch_path(from);
     const std::string to_path = scratch_path(to);
-    return from_path.empty() || to_path.empty() ? -1 : __real_rename(from_path.c_str(), to_path.c_str());
+    return from_path.empty() || to_path.empty() ? -1 : std::rename(from_path.c_str(), to_path.c_str());
 }
