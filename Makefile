@@ -1,15 +1,21 @@
 # make                  build build/vexil
 # make run ARGS="..."   build, then run build/vexil with ARGS
 # make test             build everything and run every test
-# make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
 # make test VALGRIND=1  the same, with the end-to-end cases run under valgrind's memcheck: no error, no leak
+# make test SANITIZE=1  the same under AddressSanitizer and UndefinedBehaviorSanitizer, in build-sanitize
 # make test TSAN=1      every test under ThreadSanitizer, in build-tsan; any report fails
-# make coverage        every test on a build with coverage counters, then line and branch coverage per folder
+# make coverage         every test on a build with coverage counters, then line and branch coverage per folder
 # make fuzz FUZZ_SECONDS=N  each libFuzzer target for N seconds (default 60) under ASan and UBSan, in build-fuzz
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
 JOBS := -j2
+
+# Any memcheck error, or any block lost (definitely, indirectly or possibly), fails the case.
+ifeq ($(VALGRIND),1)
+PACKAGES += valgrind
+TEST_ENV := VEXIL_E2E_RUNNER="valgrind -q --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible"
+endif
 
 ifeq ($(SANITIZE),1)
 BUILD_DIR := build-sanitize
@@ -23,14 +29,8 @@ CMAKE_FLAGS :=
 endif
 # Reports go to files, from the test binaries and from every vexil the scripts start; any one fails.
 ifeq ($(TSAN),1)
-TEST_ENVIRONMENT := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/report"
+TEST_ENV := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/report"
 TEST_CHECK := @if ls build-tsan/report.* >/dev/null 2>&1; then cat build-tsan/report.*; exit 1; fi
-endif
-
-# Any memcheck error, or any block lost (definitely, indirectly or possibly), fails the case.
-ifeq ($(VALGRIND),1)
-PACKAGES += valgrind
-TEST_ENVIRONMENT := VEXIL_E2E_RUNNER="valgrind -q --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible"
 endif
 
 .PHONY: all run test bench clean packages configure fuzz coverage
@@ -38,12 +38,14 @@ endif
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
 
-run: all
-	./$(BUILD_DIR)/vexil $(ARGS)
+# The build's output goes to standard error: standard output is the program's alone.
+run:
+	@$(MAKE) --no-print-directory all >&2
+	@./$(BUILD_DIR)/vexil $(ARGS)
 
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
-	cd $(BUILD_DIR) && $(TEST_ENVIRONMENT) ctest --output-on-failure
+	cd $(BUILD_DIR) && $(TEST_ENV) ctest --output-on-failure
 	$(TEST_CHECK)
 
 bench: packages

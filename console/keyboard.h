@@ -11,8 +11,12 @@ public:
     int pop_key();            // 0 when the ring is empty
     bool kbhit();
     void clear_keybuffer();
+    // Keys the ring can still take; the caller holds the host's lock, as hosts do when they feed it.
+    int room() const { return capacity - (write_index - read_index + slot_count) % slot_count; }
 
-    static constexpr int slot_count = 128;
+    static constexpr int capacity = 127;  // one slot always stays free
+
+    static constexpr int slot_count = capacity + 1;
     c_system_resource* p_system_resource = nullptr;
     int buffer[slot_count] = {};
     int write_index = 0;

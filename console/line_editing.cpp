@@ -62,31 +62,44 @@ void execute_immediate(c_text_editor& editor, c_parser& parser, const char* text
     parser.precompile(text, &record);
     fill_record(record, parser, res);
 
-    editor.input_mode = false;
     editor.cursor_visible = false;
     editor.cursor_x = 0;
     step_down(editor.cursor_y, *res->p_text_layer);
     res->p_callback->rows_moved(1);
-    const int line = res->p_interpreter->run(&parser);
-    if (res->error_code != error_none) {
-        // The report opens with a line break: stepping back first starts it on the output's next row.
-        --editor.cursor_y;
-        res->p_callback->rows_moved(-1);
-        editor.put_error(res->error_code, line);
-        --editor.cursor_y;
-        res->p_callback->rows_moved(-1);
-    } else {
+    if (editor.run_line(parser, true)) {
+        editor.input_mode = false;
         if (editor.cursor_x != 0)
             editor.put_str("\r\n");
         editor.put_str("Ok");
+        editor.input_mode = true;
+    } else {
+        --editor.cursor_y;
+        res->p_callback->rows_moved(-1);
     }
     editor.cursor_visible = true;
-    editor.input_mode = true;
     record.reject();
     record.block.reset();
 }
 
 }  // namespace
+
+bool c_text_editor::run_line(c_parser& parser, bool report_on_cursor_row)
+{
+    c_system_resource* res = p_system_resource;
+    input_mode = false;
+    cursor_visible = false;
+    const int line = res->p_interpreter->run(&parser);
+    input_mode = true;
+    if (res->error_code == error_none)
+        return true;
+    if (report_on_cursor_row) {
+        // The report opens with a line break: stepping back first starts it on the cursor's row.
+        --cursor_y;
+        res->p_callback->rows_moved(-1);
+    }
+    put_error(res->error_code, line);
+    return false;
+}
 
 void c_text_editor::key(int c)
 {

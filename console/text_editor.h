@@ -5,6 +5,7 @@
 #include <cstdint>
 
 struct c_system_resource;
+class c_parser;
 
 // Engine key codes that are not characters.
 constexpr int key_back_space = 8;
@@ -33,6 +34,10 @@ public:
     void hide_cursor();
     void show_cursor();
     void put_error(int code, int line);
+    // The one path that runs translated code, a typed line or the start-up `run`: the editor executes
+    // (input_mode and cursor_visible clear) and an error the run leaves is reported; the report starts
+    // on the cursor's row when `report_on_cursor_row`, else on the next. True when there was none.
+    bool run_line(c_parser& parser, bool report_on_cursor_row);
 
     // Key side.
     void key(int c);

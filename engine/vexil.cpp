@@ -7,10 +7,6 @@
 #include "engine/error.h"
 #include "language/parser.h"
 
-namespace {
-
-// A name in double quotes ends at the next double quote; an unquoted name is taken as it stands.
-// The buffer always ends with a terminator, so a name of 260 characters or more is cut to 259.
 void copy_program_name(char (&name)[name_buffer_size], const char* argument)
 {
     std::memset(name, 0, sizeof name);
@@ -23,8 +19,6 @@ void copy_program_name(char (&name)[name_buffer_size], const char* argument)
     if (quote != nullptr)
         *quote = '\0';
 }
-
-}  // namespace
 
 c_vexil::~c_vexil()
 {
@@ -88,16 +82,20 @@ void c_vexil::run(const char* program_name)
 }
 
 // Loads the named program and runs it as if `run` had been typed; a program that cannot be loaded
-// is dropped without a word, and a clean run prints no "Ok".
+// is dropped without a word on the console (the host is told), and a clean run prints no "Ok".
 void c_vexil::startup_run(const char* program_name)
 {
     dlog.printf("detect command line parameter.\n");
     char name[name_buffer_size];
     copy_program_name(name, program_name);
     dlog.printf("command line parameter is:\n \"%s\"\n", name);
-    interpreter.program_list.load(name, 100, 10);
+    interpreter.program_list.load(name, load_first_number, load_number_step);
+    system_resource.p_callback->startup_loaded(system_resource.error_code);
     if (system_resource.error_code != error_none) {
         dlog.printf("failed program load.\n");
+        // A program that memory could not hold is said so: it is not simply missing.
+        if (system_resource.error_code == error_out_of_memory)
+            text_editor.put_error(error_out_of_memory, 0);
         system_resource.error_code = error_none;
         return;
     }
@@ -106,12 +104,7 @@ void c_vexil::startup_run(const char* program_name)
     const char* text = "run";
     parser.check_line_no(text);
     parser.precompile(text, nullptr);
-    text_editor.cursor_visible = false;
-    text_editor.input_mode = false;
-    int line = interpreter.run(&parser);
-    text_editor.input_mode = true;
-    if (system_resource.error_code != error_none)
-        text_editor.put_error(system_resource.error_code, line);
+    (void)text_editor.run_line(parser, false);
     text_editor.cursor_visible = true;
     text_editor.show_cursor();
     system_resource.p_callback->update_text();

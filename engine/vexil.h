@@ -15,6 +15,10 @@
 
 constexpr int name_buffer_size = 260;  // a program name from the command line
 
+// A name in double quotes ends at the next double quote; an unquoted name is taken as it stands.
+// The buffer always ends with a terminator, so a name of 260 characters or more is cut to 259.
+void copy_program_name(char (&name)[name_buffer_size], const char* argument);
+
 class c_vexil {
 public:
     c_vexil() = default;

@@ -2,6 +2,7 @@
 // "--name=value" and "--name value" are the same, and "--" makes every later argument a file name.
 #include "host/command_line.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -28,6 +29,19 @@ void split_argument(const char* argument, std::string& name, std::string& value,
     has_value = std::strncmp(argument, "--", 2) == 0 && equals != nullptr;
     name = has_value ? std::string(argument, equals) : std::string(argument);
     value = has_value ? std::string(equals + 1) : std::string();
+}
+
+// Seconds as a decimal number, fractions allowed, above 0 and at most a year.
+bool parse_seconds(const std::string& text, double& seconds)
+{
+    if (text.empty() || text.find_first_not_of("0123456789.") != std::string::npos)
+        return false;
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    if (*end != '\0' || !(value > 0) || value > 366.0 * 24 * 3600)
+        return false;
+    seconds = value;
+    return true;
 }
 
 bool is_option(const char* argument)
@@ -71,7 +85,7 @@ bool parse_command_line(int argc, const char* const* argv, c_options& options, s
         std::string name, value;
         bool has_value = false;
         split_argument(argument, name, value, has_value);
-        bool takes_value = name == "--size" || name == "--png" || name == "--scale";
+        bool takes_value = name == "--size" || name == "--png" || name == "--scale" || name == "--timeout";
         if (!takes_value && has_value) {
             error = name + " takes no value";
             return false;
@@ -109,6 +123,12 @@ bool parse_command_line(int argc, const char* const* argv, c_options& options, s
                 error = "bad --size '" + value + "': give WxH in pixels, W from 8 and H from 16 to 4096";
                 return false;
             }
+            options.size_given = true;
+        } else if (name == "--timeout") {
+            if (!parse_seconds(value, options.timeout_seconds)) {
+                error = "bad --timeout '" + value + "': give a number of seconds above 0, at most a year";
+                return false;
+            }
         } else if (name == "--png") {
             if (value.empty()) {
                 error = "--png needs a file name";
@@ -125,23 +145,35 @@ bool parse_command_line(int argc, const char* const* argv, c_options& options, s
 
 const char* usage_text()
 {
-    return "usage: vexil [options] [program-file]\n"
-           "Hosts (by default the window when a display can be opened, else the terminal when standard\n"
-           "input and output are terminals, else headless):\n"
-           "  --window          a window: F11 or Alt+Enter full screen, F12 saves vexil-N.png,\n"
-           "                    Control+V or Shift+Insert pastes, Control+Shift+C copies the screen's text\n"
-           "  --terminal        full screen in the terminal (text only: pixels are not shown)\n"
-           "  --headless        no screen: keys from standard input, console text to standard output\n"
-           "Every host:\n"
-           "  --size WxH        screen size in pixels, default 640x480 (80 columns x 30 rows)\n"
-           "  --png FILE        at the end write the final screen image (text over pixels, upright) as a PNG\n"
-           "  --help            show this text\n"
-           "  --version         show the version\n"
-           "Window:\n"
-           "  --scale N         show every pixel N x N (1 to 16); default the largest that fits the desktop\n"
-           "Headless:\n"
-           "  --screen          at the end print the final character grid instead of the transcript\n"
-           "The program file is loaded and run at start. Control+C breaks a running program.\n"
-           "Exit status: 0, 1 when an error was reported or the PNG could not be written, 2 for a\n"
-           "command-line error.\n";
+    return "Usage: vexil [OPTION]... [PROGRAM-FILE]\n"
+           "Run a line-numbered BASIC in a full-screen console, as on a home computer's BASIC screen.\n"
+           "A PROGRAM-FILE is loaded and run at start; then the console waits for lines at Ok.\n"
+           "\n"
+           "The face is chosen by default: headless when standard input is a pipe or a file, else the\n"
+           "window when a display can be opened, else the terminal when it can address the cursor.\n"
+           "  --window           a window: F11 or Alt+Enter full screen, F12 saves vexil-N.png,\n"
+           "                     Control+V or Shift+Insert pastes, Control+Shift+C copies the text\n"
+           "  --terminal         full screen in the terminal (text only: pixels are not shown)\n"
+           "  --headless         no screen: keys from standard input, console text to standard output;\n"
+           "                     the session ends when the input has ended and the console waits\n"
+           "  --size WxH         screen size in pixels, default 640x480 (80 columns x 30 rows)\n"
+           "  --timeout SECONDS  after SECONDS of wall time break the program as Control+C does and\n"
+           "                     end the session, with exit status 124\n"
+           "  --png FILE         at the end write the final screen (text over pixels) as a PNG image\n"
+           "  --scale N          window: show every pixel N x N (1 to 16); default the largest that\n"
+           "                     fits the desktop\n"
+           "  --screen           headless: at the end print the final character grid instead of the\n"
+           "                     transcript\n"
+           "  -h, --help         display this help and exit\n"
+           "      --version      output version information and exit\n"
+           "\n"
+           "Control+C breaks a running program. Closing the window or the terminal while the program\n"
+           "differs from what was last saved or loaded writes it to vexil-recovered.bas.\n"
+           "\n"
+           "Exit status:\n"
+           "  0    the session ended without an error report\n"
+           "  1    an error was reported, the program file could not be loaded, the face could not\n"
+           "       be opened or the PNG could not be written\n"
+           "  2    a mistake on the command line\n"
+           "  124  --timeout ended the session\n";
 }

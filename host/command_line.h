@@ -6,8 +6,9 @@
 
 constexpr const char* vexil_version = "VEXIL v0.0.7";
 
-// Automatic: the window when a display can be opened, else the terminal when standard input and output
-// are both terminals, else headless.
+// Automatic: headless when standard input is a pipe or a file, else the window when a display can be
+// opened, else the terminal when standard input and output are a terminal that can move the cursor,
+// else headless.
 enum class host_kind { automatic, headless, window, terminal };
 
 // One cell is the smallest screen; the largest keeps the planes and the image within a few tens of MB.
@@ -20,10 +21,12 @@ struct c_options {
     host_kind host = host_kind::automatic;
     int screen_width = 640;   // 80 columns
     int screen_height = 480;  // 30 rows
+    bool size_given = false;  // --size was given: a terminal's own size does not replace it
     bool print_screen = false;
     int window_scale = 0;      // 0: the largest whole scale that fits the desktop
     std::string png_file;      // empty: no image
     std::string program_file;  // empty: none; handed to the engine as written, quotes included
+    double timeout_seconds = 0;  // 0: none; else the session is broken and ended after this wall time
     bool show_help = false;
     bool show_version = false;
 };

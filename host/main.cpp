@@ -1,6 +1,7 @@
 // The entry point: reads the command line, answers --help and --version, and runs the chosen host.
 // The window host lives in a module loaded only when a window is wanted (see host/window_module.h).
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -16,6 +17,7 @@
 #include "host/command_line.h"
 #include "host/headless_host.h"
 #include "host/terminal_host.h"
+#include "host/terminal_type.h"
 #include "host/window_module.h"
 
 namespace {
@@ -73,13 +75,23 @@ int run_window_host(const c_options& options)
     return window_main(&options);
 }
 
+// Keys that come from a pipe or a file are meant for the console, display or not.
+bool input_is_data()
+{
+    struct stat status = {};
+    return fstat(STDIN_FILENO, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISREG(status.st_mode));
+}
+
 host_kind chosen_host(const c_options& options)
 {
     if (options.host != host_kind::automatic)
         return options.host;
+    if (input_is_data())
+        return host_kind::headless;
     if (display_available())
         return host_kind::window;
-    if (isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
+    std::string error;
+    if (isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) && terminal_usable(error))
         return host_kind::terminal;
     return host_kind::headless;
 }
@@ -110,8 +122,8 @@ int main(int argc, char** argv)
     c_options options;
     std::string error;
     if (!parse_command_line(argc, argv, options, error)) {
-        std::fprintf(stderr, "vexil: %s\n%s", error.c_str(), usage_text());
-        return 2;
+        std::fprintf(stderr, "vexil: %s\nTry 'vexil --help'.\n", error.c_str());
+        return exit_usage;
     }
     if (options.show_help) {
         std::fputs(usage_text(), stdout);

@@ -4,6 +4,7 @@
 #include <curses.h>
 
 #include "console/text_editor.h"
+#include "host/typed_character.h"
 
 namespace {
 
@@ -24,9 +25,7 @@ int character_key(int character)
     case key_tab:
         return key_tab;
     }
-    // The console holds 8-bit characters: ASCII and the printable half of Latin-1.
-    bool printable = (character >= 0x20 && character < 0x7F) || (character >= 0xA0 && character <= 0xFF);
-    return printable ? character : 0;
+    return typed_character_key(static_cast<unsigned>(character));
 }
 
 int function_key(int code)

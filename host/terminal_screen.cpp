@@ -12,13 +12,15 @@
 #include <iterator>
 
 #include "engine/vexil.h"
+#include "host/terminal_type.h"
 
 #define NCURSES_NOMACROS
 #include <curses.h>
 
 namespace {
 
-constexpr int crash_signals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTERM};
+// Not SIGTERM: the host ends the session on it, and keeps the program.
+constexpr int crash_signals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 struct sigaction previous_actions[std::size(crash_signals)];
 std::atomic<bool> crash_restores_terminal{false};  // a crash signal must restore the terminal
 
@@ -77,7 +79,12 @@ bool c_terminal_screen::open(std::string& error)
         error = "the terminal host needs a terminal on standard input and output";
         return false;
     }
-    std::setlocale(LC_CTYPE, "");  // keys in UTF-8 arrive as one character; numbers keep their format
+    if (!terminal_usable(error))
+        return false;
+    // Keys in UTF-8 arrive as one character, whatever the locale says: a terminal that sends more than
+    // ASCII sends UTF-8. Only the character type is set, so numbers keep their format.
+    if (std::setlocale(LC_CTYPE, "") == nullptr || MB_CUR_MAX == 1)
+        std::setlocale(LC_CTYPE, "C.UTF-8");
     // Before curses starts, which otherwise ends the process on SIGTERM with a status of its own.
     install_crash_handlers();
     p_terminal = newterm(nullptr, stdout, stdin);

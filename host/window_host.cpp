@@ -1,5 +1,5 @@
-// The window's event loop, its image and its keys; the feeder and the engine's waits; the end of the
-// session, by `exit` or by the close button.
+// The window's event loop, its image and its keys; the end of the session, by `exit` or by the
+// close button.
 #include "host/window_host.h"
 
 #include <SDL2/SDL.h>
@@ -11,22 +11,24 @@
 #include <cstring>
 #include <filesystem>
 
+#include "host/interrupt_handler.h"
 #include "host/png_writer.h"
 #include "host/window_keys.h"
 
 namespace {
 
-// Room for the window's frame and title bar, so that the opening scale really fits.
-constexpr int window_frame_allowance = 48;
+// The window's frame and title bar as most desktops draw them, until the window manager says.
+constexpr c_window_frame frame_allowance = {16, 48};
+constexpr const char* window_title = "VEXIL";
+constexpr std::uint32_t title_shown_ms = 2000;  // a screenshot's name stays in the title this long
 
-// The largest whole scale at which the screen fits the desktop, at least 1.
-int fitting_scale(int width, int height)
+// The frame the window manager put around the window; the allowance until it has said.
+c_window_frame frame_of(SDL_Window* window)
 {
-    SDL_Rect desktop;
-    if (SDL_GetDisplayUsableBounds(0, &desktop) != 0)
-        return 1;
-    const int scale = std::min(desktop.w / width, (desktop.h - window_frame_allowance) / height);
-    return std::max(scale, 1);
+    int top = 0, left = 0, bottom = 0, right = 0;
+    if (SDL_GetWindowBordersSize(window, &top, &left, &bottom, &right) != 0 || top + bottom == 0)
+        return frame_allowance;
+    return {left + right, top + bottom};
 }
 
 // Without a display SDL falls back to drivers that show nothing; those only when asked for by name.
@@ -35,23 +37,10 @@ bool shows_a_display(const char* driver)
     return driver != nullptr && std::strcmp(driver, "offscreen") != 0 && std::strcmp(driver, "dummy") != 0;
 }
 
-std::string next_screenshot_name()
-{
-    for (int number = 1;; ++number) {
-        std::string name = "vexil-" + std::to_string(number) + ".png";
-        std::error_code error;
-        if (!std::filesystem::exists(name, error) && !error)
-            return name;
-    }
-}
-
 }  // namespace
 
-c_window_host::c_window_host(const c_options& options) : options(options)
+c_window_host::c_window_host(const c_options& options) : c_session(options)
 {
-    engine.screen_width = options.screen_width;
-    engine.screen_height = options.screen_height;
-    engine.line_step = options.screen_height * 2;
 }
 
 c_window_host::~c_window_host()
@@ -62,9 +51,11 @@ c_window_host::~c_window_host()
 
 int c_window_host::run()
 {
+    c_interrupt_handler interrupt_handler(&engine, true);
     std::string error;
     if (!open(error)) {
-        std::fprintf(stderr, "vexil: %s\n", error.c_str());
+        if (!error.empty())
+            report(error);
         (void)finish();
         return 1;
     }
@@ -77,6 +68,13 @@ bool c_window_host::open(std::string& error)
 {
     // Nearest neighbour, so that text stays crisp at every scale.
     SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "0");
+    // Signals are the session's: SIGINT breaks, SIGHUP and SIGTERM end it and keep the program.
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    // Without these SDL's probing finds nothing and only prints complaints of the libraries it tries.
+    if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr && std::getenv("SDL_VIDEODRIVER") == nullptr) {
+        error = "cannot open a window: no display (neither DISPLAY nor WAYLAND_DISPLAY is set)";
+        return false;
+    }
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;
@@ -89,19 +87,32 @@ bool c_window_host::open(std::string& error)
     wake_event = SDL_RegisterEvents(1);
     const int width = options.screen_width;
     const int height = options.screen_height;
-    const int scale = options.window_scale > 0 ? options.window_scale : fitting_scale(width, height);
-    p_window = SDL_CreateWindow("VEXIL", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
+    SDL_Rect usable = {0, 0, width, height};
+    const bool fits_desktop = options.window_scale == 0 && SDL_GetDisplayUsableBounds(0, &usable) == 0;
+    const int scale = fits_desktop ? fitting_scale(usable.w, usable.h, frame_allowance, width, height) : std::max(options.window_scale, 1);
+    p_window = SDL_CreateWindow(window_title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width * scale,
         height * scale, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (p_window == nullptr) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return false;
     }
+    // Panels and decorations: once the real frame is known, a scale that no longer fits is lowered.
+    if (fits_desktop) {
+        const int fitting = fitting_scale(usable.w, usable.h, frame_of(p_window), width, height);
+        if (fitting < scale) {
+            SDL_SetWindowSize(p_window, width * fitting, height * fitting);
+            SDL_SetWindowPosition(p_window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        }
+    }
     // The engine starts as soon as the window exists: making a renderer can take a good part of a
     // second on a software GL, and the engine only marks the image dirty until a frame is drawn.
-    if (!start_engine(width, height)) {
-        error = "out of memory";
-        return false;
-    }
+    if (!initialize())
+        return false;  // already reported
+    frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
+    upright.assign(frame_buffer.size(), 0);
+    SDL_StartTextInput();
+    start();
+    started = true;
     p_renderer = SDL_CreateRenderer(p_window, -1, 0);
     if (p_renderer != nullptr)
         p_texture = SDL_CreateTexture(p_renderer, SDL_PIXELFORMAT_RGB565, SDL_TEXTUREACCESS_STREAMING, width, height);
@@ -115,28 +126,9 @@ bool c_window_host::open(std::string& error)
     return true;
 }
 
-bool c_window_host::start_engine(int width, int height)
-{
-    if (!engine.initialize(this))
-        return false;
-    frame_buffer.assign(static_cast<std::size_t>(width) * height, 0);
-    upright.assign(frame_buffer.size(), 0);
-    SDL_StartTextInput();
-    feeder = std::thread([this] { feed_keys(); });
-    const char* program = options.program_file.empty() ? nullptr : options.program_file.c_str();
-    engine_thread = std::thread([this, program] {
-        engine.run(program);
-        engine_ended = true;
-        SDL_Event wake = {};
-        wake.type = wake_event;
-        SDL_PushEvent(&wake);
-    });
-    return true;
-}
-
 bool c_window_host::step()
 {
-    if (engine_ended)
+    if (engine_ended())
         return false;
     SDL_Event event;
     const std::uint32_t now = SDL_GetTicks();
@@ -146,42 +138,38 @@ bool c_window_host::step()
         handle_event(event);
         have_event = SDL_PollEvent(&event) != 0;
     }
-    // Until run returns, break and quit again: a line entered just before the close resets the break
-    // when it starts, and run sets `running` when it starts.
-    if (closing) {
-        engine.force_break();
-        engine.quit();
+    if (int signal = c_interrupt_handler::end_requested(); signal != 0 && !closing) {
+        closing = true;
+        end(signal);
+    }
+    if (title_reset_ms != 0 && SDL_GetTicks() >= title_reset_ms) {
+        SDL_SetWindowTitle(p_window, window_title);
+        title_reset_ms = 0;
     }
     if (SDL_GetTicks() >= next_frame_ms) {
         draw_frame();
         next_frame_ms = SDL_GetTicks() + frame_interval_ms;
     }
-    return !engine_ended;
+    return !engine_ended();
 }
 
 int c_window_host::finish()
 {
-    if (engine_thread.joinable()) {
-        if (!engine_ended)
+    if (started) {
+        if (!engine_ended())
             close_window();
-        while (!engine_ended)
-            step();
-        engine_thread.join();
-        if (error_seen)
-            exit_status = 1;
+        while (step()) {
+        }
+        exit_status = c_session::finish();
+        started = false;
+        recover_program();
     }
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        stopping = true;
-    }
-    ring_changed.notify_all();
-    if (feeder.joinable())
-        feeder.join();
     if (!options.png_file.empty() && p_texture != nullptr) {
         std::string error;
         if (!write_png(options.png_file.c_str(), screen_image(engine), error)) {
-            std::fprintf(stderr, "vexil: %s\n", error.c_str());
-            exit_status = 1;
+            report(error);
+            if (exit_status == 0)
+                exit_status = exit_error;
         }
     }
     if (p_texture != nullptr)
@@ -210,31 +198,9 @@ c_rgb_image c_window_host::presented_image() const
     return image;
 }
 
-void c_window_host::sleep(unsigned int ms)
+std::string c_window_host::title() const
 {
-    std::unique_lock<std::mutex> guard(mutex);
-    const auto duration = std::chrono::milliseconds(ms);
-    if (!idle) {
-        // A program's sleep: only the end of the session cuts it short.
-        ring_changed.wait_for(guard, duration, [this] { return stopping; });
-        return;
-    }
-    // The key loop's pause ends as soon as a key arrives.
-    idle = false;
-    engine_waiting = true;
-    ring_changed.wait_for(guard, duration, [this] { return ring_room() < ring_capacity || stopping; });
-    engine_waiting = false;
-}
-
-// A waiter is woken only when its wait is over: a feeder held up by a full ring costs one thread switch
-// per half ring, not one per key.
-void c_window_host::unlock()
-{
-    const bool wake = (feeder_waiting && !pending_keys.empty() && ring_room() >= refill_room)
-        || (engine_waiting && ring_room() < ring_capacity);
-    mutex.unlock();
-    if (wake)
-        ring_changed.notify_all();
+    return SDL_GetWindowTitle(p_window);
 }
 
 // Both only mark the image: the window draws at its own pace, and changed cells stay marked until then.
@@ -249,15 +215,11 @@ void c_window_host::update_text()
     image_dirty = true;
 }
 
-void c_window_host::waiting_for_key()
+void c_window_host::on_engine_ended()
 {
-    idle = true;
-}
-
-void c_window_host::error_reported(int, int)
-{
-    if (!closing)
-        error_seen = true;
+    SDL_Event wake = {};
+    wake.type = wake_event;
+    SDL_PushEvent(&wake);
 }
 
 void c_window_host::handle_event(const SDL_Event& event)
@@ -295,7 +257,7 @@ void c_window_host::handle_key_down(const SDL_Event& event)
     const bool repeated = event.key.repeat != 0;
     switch (mapped.action) {
     case window_action::key: queue_keys({mapped.code}); break;
-    case window_action::force_break: engine.force_break(); break;
+    case window_action::force_break: break_program(); break;
     case window_action::paste: if (!repeated) paste(); break;
     case window_action::copy_text: if (!repeated) copy_text(); break;
     case window_action::screenshot: if (!repeated) save_screenshot(); break;
@@ -304,19 +266,11 @@ void c_window_host::handle_key_down(const SDL_Event& event)
     }
 }
 
-// Every key goes through the feeder, typed ones too, so that they keep their order behind a paste.
+// Every key goes through the session's queue, typed ones too, so that they keep their order behind a paste.
 void c_window_host::queue_keys(const std::vector<int>& codes)
 {
-    if (codes.empty())
-        return;
-    bool wake = false;
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        pending_keys.insert(pending_keys.end(), codes.begin(), codes.end());
-        wake = feeder_waiting;
-    }
-    if (wake)
-        ring_changed.notify_all();
+    if (!codes.empty())
+        type_keys(codes.data(), codes.size());
 }
 
 void c_window_host::paste()
@@ -339,10 +293,15 @@ void c_window_host::copy_text()
 void c_window_host::save_screenshot()
 {
     draw_frame();
-    const std::string name = next_screenshot_name();
+    const std::string name = unused_file_name("vexil", ".png", 1);
     std::string error;
-    if (!write_png(name.c_str(), presented_image(), error))
-        std::fprintf(stderr, "vexil: %s\n", error.c_str());
+    if (!write_png(name.c_str(), presented_image(), error)) {
+        report(error);
+        return;
+    }
+    report("saved the screen as " + name);
+    SDL_SetWindowTitle(p_window, (std::string(window_title) + ": saved " + name).c_str());
+    title_reset_ms = std::max<std::uint32_t>(SDL_GetTicks() + title_shown_ms, 1);
 }
 
 // Breaks a running program and ends the key loop; the loop goes on until run has returned.
@@ -351,14 +310,7 @@ void c_window_host::close_window()
     if (closing)
         return;
     closing = true;
-    engine.force_break();
-    engine.quit();
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-        stopping = true;
-        pending_keys.clear();
-    }
-    ring_changed.notify_all();
+    end();
 }
 
 void c_window_host::toggle_full_screen()
@@ -415,32 +367,10 @@ void c_window_host::present()
     needs_present = false;
 }
 
-void c_window_host::feed_keys()
+int fitting_scale(int usable_width, int usable_height, c_window_frame frame, int width, int height)
 {
-    std::unique_lock<std::mutex> guard(mutex);
-    int batch[ring_capacity];
-    for (;;) {
-        feeder_waiting = true;
-        ring_changed.wait(guard, [this] { return stopping || (!pending_keys.empty() && ring_room() > 0); });
-        feeder_waiting = false;
-        if (stopping)
-            return;
-        // Only this thread pushes, so the room counted under the lock is still there.
-        const int count = std::min(ring_room(), static_cast<int>(pending_keys.size()));
-        std::copy_n(pending_keys.begin(), count, batch);
-        pending_keys.erase(pending_keys.begin(), pending_keys.begin() + count);
-        guard.unlock();
-        for (int index = 0; index < count; ++index)
-            engine.key(batch[index]);
-        guard.lock();
-    }
-}
-
-int c_window_host::ring_room() const
-{
-    const c_keyboard& ring = engine.keyboard;
-    int used = (ring.write_index - ring.read_index + c_keyboard::slot_count) % c_keyboard::slot_count;
-    return ring_capacity - used;
+    const int scale = std::min((usable_width - frame.width) / width, (usable_height - frame.height) / height);
+    return std::max(scale, 1);
 }
 
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height)

@@ -1,30 +1,24 @@
-// The host with a window (SDL2). The caller's thread is the window's: it handles events, feeds the
-// key ring and presents the image; the engine runs on a thread of its own, started once the window
-// exists, and a feeder thread hands queued keys (typed or pasted) to the ring as slots free up, so a
-// long paste never blocks the event loop and no key is dropped.
+// The host with a window (SDL2). The caller's thread is the window's: it handles events, types keys
+// into the session and presents the image; the session's threads, started once the window exists, run
+// the engine and feed the ring, so a long paste never blocks the event loop and no key is dropped.
 // The engine only marks the image dirty; the window draws the changed cells into a frame buffer of its
 // own at the display's rate, so output as fast as the engine can print is not slowed by the screen.
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "engine/vexil.h"
-#include "host/command_line.h"
 #include "host/screen_capture.h"
+#include "host/session.h"
 
 struct SDL_Window;
 struct SDL_Renderer;
 struct SDL_Texture;
 union SDL_Event;
 
-class c_window_host : public c_vexil_callback {
+class c_window_host : public c_session {
 public:
     explicit c_window_host(const c_options& options);
     ~c_window_host() override;
@@ -37,7 +31,6 @@ public:
 
     // Opens the window and starts the engine; false with a one-line reason.
     bool open(std::string& error);
-    bool start_engine(int width, int height);  // false when the engine cannot have its planes
     // One pass of the event loop: waits up to a frame for events, handles them, draws and presents
     // when the frame is due. False once the application has ended.
     bool step();
@@ -46,15 +39,14 @@ public:
 
     // The image as last presented, upright; for F12 and for tests.
     c_rgb_image presented_image() const;
+    std::string title() const;
     c_vexil& engine_for_reading() { return engine; }
 
-    void sleep(unsigned int ms) override;
-    void lock() override { mutex.lock(); }
-    void unlock() override;
     void update_screen() override;
     void update_text() override;
-    void waiting_for_key() override;
-    void error_reported(int code, int line) override;
+
+protected:
+    void on_engine_ended() override;
 
 private:
     void handle_event(const SDL_Event& event);
@@ -67,14 +59,7 @@ private:
     void toggle_full_screen();
     void draw_frame();
     void present();
-    void feed_keys();
-    int ring_room() const;  // free slots, read under the mutex
 
-    static constexpr int ring_capacity = c_keyboard::slot_count - 1;  // one slot always stays free
-    static constexpr int refill_room = ring_capacity / 2;             // a waiting feeder waits for this
-
-    const c_options& options;
-    c_vexil engine;
     SDL_Window* p_window = nullptr;
     SDL_Renderer* p_renderer = nullptr;
     SDL_Texture* p_texture = nullptr;
@@ -84,25 +69,13 @@ private:
     std::uint32_t frame_interval_ms = 16;
     std::uint32_t next_frame_ms = 0;
     bool needs_present = true;
-    // The window was closed: break and quit until run returns. The Break that causes is no error.
-    std::atomic<bool> closing{false};
-    bool error_seen = false;                  // engine thread, read after it has ended
+    bool closing = false;                     // the window was closed: keys are no longer taken
+    bool started = false;
     int exit_status = 0;
-    std::thread engine_thread;
-    std::thread feeder;
-    std::atomic<bool> engine_ended{false};
     std::atomic<bool> image_dirty{true};
     std::atomic<bool> full_draw_asked{true};
     std::uint32_t wake_event = 0;             // an SDL user event that wakes the event loop
-    bool idle = false;                        // engine thread: the next sleep is the key loop's
-
-    // Under the mutex: the keys waiting for the ring, the end of the session, who waits.
-    std::deque<int> pending_keys;
-    bool stopping = false;
-    bool feeder_waiting = false;
-    bool engine_waiting = false;
-    std::mutex mutex;                         // the engine's one lock: it guards the key ring
-    std::condition_variable ring_changed;
+    std::uint32_t title_reset_ms = 0;         // when the title names a screenshot: the tick to reset it
 };
 
 // Where the picture goes in a drawable of the given size: centred, its aspect kept, at a whole scale
@@ -111,6 +84,14 @@ struct c_picture_place {
     int x, y, width, height;
 };
 c_picture_place picture_place(int drawable_width, int drawable_height, int width, int height);
+
+// The room a window's frame takes around its picture, across and down.
+struct c_window_frame {
+    int width, height;
+};
+// The largest whole scale at which the screen and the window's frame fit the desktop's usable area
+// (without its panels), at least 1.
+int fitting_scale(int usable_width, int usable_height, c_window_frame frame, int width, int height);
 
 // True when SDL can open a real display (not its offscreen or dummy driver): the automatic choice.
 bool window_display_available();

@@ -3,6 +3,7 @@
 #include "host/window_keys.h"
 
 #include "console/text_editor.h"
+#include "host/typed_character.h"
 
 namespace {
 
@@ -57,11 +58,6 @@ unsigned next_code_point(const unsigned char*& text)
     return point;
 }
 
-bool is_character(unsigned point)
-{
-    return (point >= 0x20 && point < 0x7F) || (point >= 0xA0 && point <= 0xFF);
-}
-
 }  // namespace
 
 c_window_key map_key_down(SDL_Keycode key, unsigned modifiers)
@@ -89,9 +85,8 @@ void map_typed_text(const char* text, std::vector<int>& codes)
 {
     const auto* bytes = reinterpret_cast<const unsigned char*>(text);
     while (*bytes != '\0') {
-        const unsigned point = next_code_point(bytes);
-        if (is_character(point))
-            codes.push_back(static_cast<int>(point));
+        if (int code = typed_character_key(next_code_point(bytes)); code != 0)
+            codes.push_back(code);
     }
 }
 
@@ -109,7 +104,7 @@ void map_pasted_text(const char* text, std::vector<int>& codes)
             codes.push_back(key_enter);
         else if (point == '\t')
             codes.push_back(key_tab);
-        else if (is_character(point))
-            codes.push_back(static_cast<int>(point));
+        else if (int code = typed_character_key(point); code != 0)
+            codes.push_back(code);
     }
 }

@@ -25,8 +25,8 @@ struct c_window_key {
 // they come as typed text.
 c_window_key map_key_down(SDL_Keycode key, unsigned modifiers);
 
-// Typed text (UTF-8) as character codes: printable ASCII and the Latin-1 letters from 0xA0 to 0xFF;
-// every other character is left out.
+// Typed text (UTF-8) as character codes: printable ASCII as itself, every other printable character
+// (a malformed sequence too) as one "?"; control characters are left out.
 void map_typed_text(const char* text, std::vector<int>& codes);
 
 // Pasted text as keys: its characters as typed text, a line end (LF, CR, or CR LF) as one Enter,

@@ -20,9 +20,8 @@
 
 namespace {
 
-constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
 constexpr int file_line_size = 256;     // a file line of at most 255 characters and its terminator
-constexpr int name_capacity = 260;      // a file name as the commands pass it, terminator included
+constexpr int path_capacity = 4096;     // a path as long as Linux takes one, terminator included
 constexpr char temporary_suffix[] = ".vexil-saving";
 
 // Copies the workspace's code and source into one new block; false when the block cannot be had,
@@ -58,6 +57,7 @@ bool store(c_program_line* line, const c_parser* parser, c_system_resource* res)
 // Links the record in after `before`, or at the front when that is null.
 void insert(c_program_list& program, c_program_line* line, c_program_line* before)
 {
+    ++program.changes;
     line->prev = before;
     line->next = before != nullptr ? before->next : program.first;
     if (line->next != nullptr)
@@ -71,6 +71,7 @@ void insert(c_program_list& program, c_program_line* line, c_program_line* befor
 // Unlinks and frees a record whose references are already given back.
 void remove(c_program_list& program, c_program_line* line)
 {
+    ++program.changes;
     if (program.first == line)
         program.first = line->next;
     if (program.current == line)
@@ -91,6 +92,7 @@ bool translated(c_parser* parser, const char* text, c_program_line* line, c_syst
 void replace(c_program_list& program, c_program_line* line, c_parser* parser, const char* text)
 {
     c_system_resource* res = program.p_system_resource;
+    ++program.changes;
     res->p_variable_manager->line_release(line->code, line->code_length, line);
     line->code = nullptr;
     line->code_length = 0;
@@ -152,7 +154,7 @@ bool write_in_place(const char* name, const c_program_line* first)
 // other failure leaves the old file as it was.
 bool write_replacing(const char* name, const c_program_line* first)
 {
-    char temporary[name_capacity + sizeof temporary_suffix];
+    char temporary[path_capacity + sizeof temporary_suffix];
     if (std::snprintf(temporary, sizeof temporary, "%s%s", name, temporary_suffix) >= static_cast<int>(sizeof temporary))
         return false;
     std::FILE* file = std::fopen(temporary, "wb");
@@ -204,6 +206,8 @@ void c_program_list::add(c_parser* parser, const char* text)
 
 void c_program_list::renumber(int start, int step)
 {
+    if (first != nullptr)
+        ++changes;
     int number = start;
     for (c_program_line* line = first; line != nullptr; line = line->next) {
         line->number = number;
@@ -214,6 +218,8 @@ void c_program_list::renumber(int start, int step)
 void c_program_list::clear()
 {
     c_variable_manager* variables = p_system_resource->p_variable_manager;
+    if (first != nullptr)
+        ++changes;
     while (first != nullptr) {
         c_program_line* line = first;
         first = line->next;
@@ -226,11 +232,19 @@ void c_program_list::clear()
 int c_program_list::save(const char* name)
 {
     std::error_code failure;
-    const bool replace = std::filesystem::is_regular_file(name, failure) || !std::filesystem::exists(name, failure);
-    if (!(replace ? write_replacing(name, first) : write_in_place(name, first))) {
+    // Through a symbolic link the file it leads to is replaced, and the link stays a link.
+    std::filesystem::path target = name;
+    if (std::filesystem::is_symlink(target, failure)) {
+        std::filesystem::path resolved = std::filesystem::canonical(target, failure);
+        if (!failure)
+            target = resolved;
+    }
+    const bool replace = std::filesystem::is_regular_file(target, failure) || !std::filesystem::exists(target, failure);
+    if (!(replace ? write_replacing(target.c_str(), first) : write_in_place(name, first))) {
         p_system_resource->error_code.raise(error_device_io);
         return 0;
     }
+    changes_at_file = changes;
     return 1;
 }
 
@@ -268,6 +282,7 @@ int c_program_list::load(const char* name, int start, int step)
         p_system_resource->error_code.raise(error_cannot_open);
         return 0;
     }
+    changes_at_file = changes;
     return 1;
 }
 

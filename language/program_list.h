@@ -7,6 +7,10 @@
 struct c_system_resource;
 class c_parser;
 
+constexpr int max_line_number = 99999;  // what the line-number check accepts: five digits
+constexpr int load_first_number = 100;  // a loaded file's lines are numbered 100, 110, ...
+constexpr int load_number_step = 10;
+
 class c_program_list {
 public:
     c_program_list() = default;
@@ -25,8 +29,12 @@ public:
     // 1, or 0 with the error set: 12 "Cannot open file" for a file that cannot be opened or read.
     int load(const char* name, int start, int step);
     void list(int from, int to);
+    // Whether the lines changed since the program was last saved or loaded.
+    bool differs_from_file() const { return changes != changes_at_file; }
 
     c_program_line* first = nullptr;
     c_program_line* current = nullptr;
     c_system_resource* p_system_resource = nullptr;
+    unsigned changes = 0;          // counts every line stored, replaced, deleted or renumbered
+    unsigned changes_at_file = 0;  // the count when the program was last saved or loaded
 };

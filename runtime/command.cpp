@@ -22,8 +22,6 @@
 namespace {
 
 constexpr int file_name_size = 260;  // a 256-byte string and its terminator
-constexpr int load_start = 100;
-constexpr int load_step = 10;
 constexpr int renumber_start = 100;
 constexpr int renumber_step = 10;
 constexpr unsigned int default_seed = 0xFFFFFFFFu;  // -1 taken as unsigned
@@ -85,14 +83,15 @@ void print_value(const unsigned char*& p, c_system_resource* res)
         res->p_text_editor->put_str("\r\n");
 }
 
-// Renumbering stays within 1 to 99999, the numbers a line can be typed with, so every line can still
-// be edited and the numbers can never wrap out of their order.
+// Renumbering may give numbers past 99999, which list and reports show in full though they cannot be
+// typed again; it is refused only where a number would not fit an int, so the order is always kept.
 bool numbers_fit(const c_program_list& program, int start, int step)
 {
     long long last = start;
     for (const c_program_line* line = program.first; line != nullptr && line->next != nullptr; line = line->next)
-        last += step;
-    return last <= 99999;
+        if ((last += step) > INT_MAX)
+            return false;
+    return true;
 }
 
 }  // namespace
@@ -180,7 +179,7 @@ void cmd_load(const unsigned char*& p, c_system_resource* res)
     int code = read_file_name(p, res, name);
     c_program_list& program = res->p_interpreter->program_list;
     program.clear();
-    if (program.load(name, load_start, load_step) == 0) {
+    if (program.load(name, load_first_number, load_number_step) == 0) {
         if (res->error_code != error_out_of_memory)
             res->error_code = error_device_io;
     } else

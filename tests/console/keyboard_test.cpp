@@ -32,12 +32,17 @@ struct key_ring : c_keyboard {
 TEST(key_ring, holds_127_keys_in_order_across_the_wrap_and_drops_the_128th)
 {
     key_ring ring;
+    EXPECT_EQ(ring.room(), 127);
     for (int key = 1; key <= 128; ++key)
         ring.push_key(key);
+    EXPECT_EQ(ring.room(), 0);
     EXPECT_EQ(ring.pop_key(), 1);
     ring.push_key(500);  // into the last slot: the write index wraps
+    EXPECT_EQ(ring.room(), 0);
     ring.push_key(501);  // full again: dropped
-    for (int key = 2; key <= 127; ++key)
+    EXPECT_EQ(ring.pop_key(), 2);
+    EXPECT_EQ(ring.room(), 1);  // counted across the wrap
+    for (int key = 3; key <= 127; ++key)
         ASSERT_EQ(ring.pop_key(), key);
     EXPECT_EQ(ring.pop_key(), 500);  // the read index wraps
     EXPECT_EQ(ring.pop_key(), 0);

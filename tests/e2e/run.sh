@@ -8,11 +8,11 @@
 # A case is NAME.case, lines of "field: value" ('#' lines say what the case checks):
 #   args: OPTIONS        put before the program file; the word PNG stands for a temporary image file
 #   status: N            the expected exit status (default 0)
-#   stderr: TEXT         the expected first line of standard error (default: none at all)
+#   stderr: TEXT         a line of the expected standard error, all of it in order (default: none)
 #   png: WxH             the image's expected size;  pixel: X,Y RRGGBB  one of its pixels
 # with, beside it, any of:
 #   NAME.keys            standard input, read with printf's %b escapes (\r, \x08, \\); default none
-#   NAME.bas             the program file, named on the command line after the options
+#   NAME.bas             the program file, copied to the case's folder and named there after the options
 #   NAME.expected        the expected standard output, exactly (default: empty)
 set -uo pipefail
 
@@ -27,12 +27,12 @@ run_case() {
     local -
     set -f
     local name=$1 file="$cases_dir/$1.case"
-    local args="" status=0 stderr_line="" png_size="" pixels=() line
+    local args="" status=0 stderr_text="" png_size="" pixels=() line
     while IFS= read -r line || [ -n "$line" ]; do
         case $line in
         args:*) args=${line#args:} ;;
         status:*) status=$(echo ${line#status:}) ;;
-        stderr:*) stderr_line=${line#stderr: } ;;
+        stderr:*) stderr_text+=${line#stderr: }$'\n' ;;
         png:*) png_size=$(echo ${line#png:}) ;;
         pixel:*) pixels+=("$(echo ${line#pixel:})") ;;
         esac
@@ -52,7 +52,7 @@ run_case() {
         [ "$word" = PNG ] && word="$dir/out.png"
         argv+=("$word")
     done
-    [ -f "$cases_dir/$name.bas" ] && argv+=("$cases_dir/$name.bas")
+    [ -f "$cases_dir/$name.bas" ] && cp "$cases_dir/$name.bas" "$dir/" && argv+=("$name.bas")
 
     (cd "$dir" && ${VEXIL_E2E_RUNNER:-} "$vexil" --headless "${argv[@]}" < "$keys" > "$dir/stdout" 2> "$dir/stderr")
     local actual_status=$? problems=""
@@ -64,12 +64,9 @@ run_case() {
         problems+=$(diff -u "$expected" "$dir/stdout" | tail -n +3)$'\n'
     fi
     [ "$actual_status" = "$status" ] || problems+="exit status $actual_status, expected $status"$'\n'
-    if [ -n "$stderr_line" ]; then
-        local first
-        first=$(head -n 1 "$dir/stderr")
-        [ "$first" = "$stderr_line" ] || problems+="standard error begins '$first', expected '$stderr_line'"$'\n'
-    elif [ -s "$dir/stderr" ]; then
-        problems+="unexpected standard error:"$'\n'$(head -n 20 "$dir/stderr")$'\n'
+    if [ "$(cat "$dir/stderr"; echo .)" != "$stderr_text." ]; then
+        problems+="standard error differs (- expected, + actual):"$'\n'
+        problems+=$(diff -u <(printf '%s' "$stderr_text") "$dir/stderr" | tail -n +3)$'\n'
     fi
     if [ -n "$png_size" ]; then
         local want coordinates=()

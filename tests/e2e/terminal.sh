@@ -2,11 +2,15 @@
 # The terminal host in a detached tmux session of 100 x 30: keys typed into the pane, the pane's text
 # read back. Checks an answer and its Ok, the grid as wide as the terminal, the editing keys, Control+C
 # breaking an endless line and a long sleep without ending the session, and that after `exit` the
-# session is over and the terminal is back in its normal mode; and that --png still writes the image.
-# usage: terminal.sh VEXIL         (exit status 77, which ctest reports as skipped, when it cannot run)
+# session is over and the terminal is back in its normal mode; and that --png still writes the image at
+# the end. Then that typed UTF-8 is one "?" for each character the console cannot show; that SIGHUP
+# keeps a program that was not saved in a new vexil-recovered file; that a terminal that cannot move the
+# cursor is refused by --terminal and left to the headless face by the automatic choice.
+# usage: terminal.sh VEXIL   (status 77: skipped, for want of tmux)
 set -uo pipefail
 
 vexil=$(realpath "$1")
+# Exit status 77 is what ctest reports as skipped: a test that cannot run never counts as passed.
 if ! "$vexil" --help 2>/dev/null | grep -q -- '--terminal'; then
     echo "terminal.sh: skipped: this vexil has no --terminal"
     exit 77
@@ -30,10 +34,12 @@ fail() {
     exit 1
 }
 
-# Polls the pane every tenth of a second, for at most ten seconds, until grep finds the pattern.
+# Polls the pane of session $target every tenth of a second, for at most ten seconds, until grep finds
+# the pattern.
+target=vexil
 wait_for() {
     for _ in $(seq 100); do
-        tmux_ capture-pane -p -t vexil > "$work/pane" 2>/dev/null
+        tmux_ capture-pane -p -t "$target" > "$work/pane" 2>/dev/null
         grep -q -- "$1" "$work/pane" && return 0
         sleep 0.1
     done
@@ -41,8 +47,17 @@ wait_for() {
 }
 
 type_line() {
-    tmux_ send-keys -t vexil -l "$1"
-    tmux_ send-keys -t vexil Enter
+    tmux_ send-keys -t "$target" -l "$1"
+    tmux_ send-keys -t "$target" Enter
+}
+
+# Waits at most ten seconds for a file to appear.
+wait_for_file() {
+    for _ in $(seq 100); do
+        [ -e "$1" ] && return 0
+        sleep 0.1
+    done
+    fail "no $1 within ten seconds"
 }
 
 # After vexil, the shell in the pane records its status and the terminal's modes, and the session ends.
@@ -82,6 +97,10 @@ wait_for '^sleeping$'
 tmux_ send-keys -t vexil C-c
 wait_for '^Break'
 
+# e acute, the euro sign, then x: two "?" keys and the x.
+type_line 'print "é€x"'
+wait_for '^??x$'
+
 type_line 'exit'
 for _ in $(seq 100); do
     tmux_ has-session -t vexil 2>/dev/null || break
@@ -96,4 +115,39 @@ for mode in icanon echo isig; do
     grep -qw -- "-$mode" "$work/stty" && fail "the terminal was left with -$mode: $(cat "$work/stty")"
     grep -qw -- "$mode" "$work/stty" || fail "no $mode in the terminal's modes: $(cat "$work/stty")"
 done
+
+# SIGHUP while the program differs from what was saved (the automatic choice is the terminal here):
+# kept beside the older recovery file.
+mkdir "$work/recover"
+echo older > "$work/recover/vexil-recovered.bas"
+target=recover
+tmux_ new-session -d -s recover -x 80 -y 24 \
+    "cd '$work/recover' && env -u DISPLAY -u WAYLAND_DISPLAY TERM=tmux-256color '$vexil' 2> stderr" \
+    || fail "tmux cannot start a session"
+wait_for '^Ok'
+type_line '10 print "kept"'
+type_line 'list'
+wait_for '^10 print "kept"$'
+tmux_ kill-session -t recover  # the terminal closes: SIGHUP
+wait_for_file "$work/recover/vexil-recovered-2.bas"
+[ "$(cat "$work/recover/vexil-recovered-2.bas")" = $'print "kept"\r' ] || fail "recovered: $(cat -A "$work/recover/vexil-recovered-2.bas")"
+[ "$(cat "$work/recover/vexil-recovered.bas")" = older ] || fail "the older recovery file was overwritten"
+wait_for_file "$work/recover/stderr"
+grep -qx 'vexil: the program was not saved: it is in "vexil-recovered-2.bas"; type load "vexil-recovered-2.bas" to get it back' \
+    "$work/recover/stderr" || fail "standard error: $(cat "$work/recover/stderr")"
+
+# A terminal that cannot move the cursor: --terminal refuses it; the automatic choice reads keys headless.
+target=dumb
+tmux_ new-session -d -s dumb -x 80 -y 24 \
+    "cd '$work' && TERM=dumb '$vexil' --terminal 2> dumb_stderr; echo \$? > dumb_status; env -u DISPLAY -u WAYLAND_DISPLAY TERM=dumb '$vexil'; echo \$? > auto_status; sleep 60" \
+    || fail "tmux cannot start a session"
+wait_for_file "$work/dumb_status"
+[ "$(cat "$work/dumb_stderr")" = 'vexil: cannot use the terminal type "dumb": it cannot move the cursor' ] \
+    || fail "standard error: $(cat "$work/dumb_stderr")"
+[ "$(cat "$work/dumb_status")" = 1 ] || fail "exit status $(cat "$work/dumb_status") for a dumb terminal, expected 1"
+type_line 'print 6*7'
+wait_for '^42$'
+tmux_ send-keys -t dumb C-d
+wait_for_file "$work/auto_status"
+[ "$(cat "$work/auto_status")" = 0 ] || fail "exit status $(cat "$work/auto_status") headless, expected 0"
 echo "terminal.sh: passed"

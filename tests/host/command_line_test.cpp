@@ -29,6 +29,10 @@ std::string outcome(std::vector<const char*> arguments)
         text.append(" png ").append(o.png_file);
     if (!o.program_file.empty())
         text.append(" file ").append(o.program_file);
+    if (o.size_given)
+        text.append(" sized");
+    if (o.timeout_seconds != 0)
+        text.append(" timeout ").append(std::to_string(o.timeout_seconds));
     if (o.show_help)
         text.append(" help");
     if (o.show_version)
@@ -46,9 +50,12 @@ const argument_case accepted[] = {
     {{"--headless", "--screen"}, "headless 640x480 screen"},
     {{"--headless", "--window"}, "window 640x480"},              // the last wins
     {{"--terminal"}, "terminal 640x480"},
-    {{"--size=320X240"}, "automatic 320x240"},
-    {{"--size", "8x16"}, "automatic 8x16"},                      // one cell
-    {{"--size", "4096x4096"}, "automatic 4096x4096"},
+    {{"--size=320X240"}, "automatic 320x240 sized"},
+    {{"--size", "8x16"}, "automatic 8x16 sized"},                // one cell
+    {{"--size", "4096x4096"}, "automatic 4096x4096 sized"},
+    {{"--size", "640x480"}, "automatic 640x480 sized"},          // the default, but given
+    {{"--timeout", "5"}, "automatic 640x480 timeout 5.000000"},
+    {{"--timeout=0.25"}, "automatic 640x480 timeout 0.250000"},
     {{"--png", "out.png", "p.bas"}, "automatic 640x480 png out.png file p.bas"},
     {{"p.bas", "--png=a=b.png"}, "automatic 640x480 png a=b.png file p.bas"},
     {{"--help"}, "automatic 640x480 help"},
@@ -68,6 +75,12 @@ const argument_case rejected[] = {
     {{"--scale", "17"}, "error: bad --scale '17': give a whole number from 1 to 16"},
     {{"--scale=2x"}, "error: bad --scale '2x': give a whole number from 1 to 16"},
     {{"a.bas", "b.bas"}, "error: more than one program file: 'b.bas'"},
+    {{"--timeout"}, "error: --timeout needs a value"},
+    {{"--timeout", "0"}, "error: bad --timeout '0': give a number of seconds above 0, at most a year"},
+    {{"--timeout", "-1"}, "error: bad --timeout '-1': give a number of seconds above 0, at most a year"},
+    {{"--timeout", "1e3"}, "error: bad --timeout '1e3': give a number of seconds above 0, at most a year"},
+    {{"--timeout", "1.2.3"}, "error: bad --timeout '1.2.3': give a number of seconds above 0, at most a year"},
+    {{"--timeout", "99999999"}, "error: bad --timeout '99999999': give a number of seconds above 0, at most a year"},
 };
 
 // Each side just past its limit, what is not two plain numbers around an x, and 2^32 + 640 (640 once wrapped).

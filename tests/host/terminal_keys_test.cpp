@@ -19,9 +19,10 @@ TEST(terminal_keys, characters_and_decoded_keys_become_engine_codes_or_nothing)
         {'\t', false, 9},
         {0x03, false, terminal_break},  // Control+C
         {0x9F, false, 0},               // the control half of Latin-1
-        {0xA0, false, 0xA0},            // the printable half
-        {0xFF, false, 0xFF},
-        {0x100, false, 0},              // beyond what a cell holds
+        {0xA0, false, '?'},             // the printable half: the console cannot show it
+        {0xE9, false, '?'},             // e acute, decoded from UTF-8
+        {0x20AC, false, '?'},           // the euro sign
+        {0x1F600, false, '?'},          // beyond the basic plane
         {KEY_RIGHT, true, 28},
         {KEY_LEFT, true, 29},
         {KEY_UP, true, 30},

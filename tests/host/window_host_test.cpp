@@ -12,6 +12,7 @@
 
 #include <unistd.h>
 
+#include "host/interrupt_handler.h"
 #include "host/png_reader.h"
 #include "host/screen_capture.h"
 #include "host/window_host.h"
@@ -52,11 +53,42 @@ void push(SDL_EventType type, SDL_Keycode key = 0, unsigned modifiers = 0, char 
     ASSERT_EQ(SDL_PushEvent(&event), 1);
 }
 
+// Text as an input method hands it over, several characters (in UTF-8) in one event.
+void push_text(const char* text)
+{
+    SDL_Event event = {};
+    event.type = SDL_TEXTINPUT;
+    SDL_strlcpy(event.text.text, text, sizeof event.text.text);
+    ASSERT_EQ(SDL_PushEvent(&event), 1);
+}
+
 // Types lines the way the keyboard does: each character as text, each line end as Enter.
 void type_lines(const std::string& lines)
 {
     for (char c : lines)
         c == '\n' ? push(SDL_KEYDOWN, SDLK_RETURN) : push(SDL_TEXTINPUT, 0, 0, c);
+}
+
+// Screenshots and recovered programs go to the current directory: a fresh one, removed at the end.
+struct c_scratch_directory {
+    fs::path previous = fs::current_path();
+    fs::path folder = fs::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
+    c_scratch_directory()
+    {
+        fs::create_directories(folder);
+        fs::current_path(folder);
+    }
+    ~c_scratch_directory()
+    {
+        fs::current_path(previous);
+        fs::remove_all(folder);
+    }
+};
+
+std::string file_text(const char* name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
 class window_session : public ::testing::Test {
@@ -87,6 +119,7 @@ protected:
     bool shows(const std::string& text) { return screen_text(host.engine_for_reading()).find(text) != text.npos; }
     bool presents(c_vexil& reference) { return host.presented_image().pixels == screen_image(reference).pixels; }
 
+    c_scratch_directory scratch;  // made before the host and removed after it
     c_options options;
     c_window_host host{options};
 };
@@ -109,6 +142,14 @@ TEST_F(window_session, a_program_printing_and_plotting_while_frames_are_drawn_en
     type_lines(program);
     c_reference reference(program);
     EXPECT_TRUE(step_until([&] { return presents(reference.engine); }));
+}
+
+TEST_F(window_session, text_input_types_each_character_it_cannot_show_as_one_question_mark)
+{
+    push_text("print \"\xC3\xA9\xE2\x82\xAC");  // e acute (AltGr or a dead key), the euro sign
+    push_text("x\"");
+    push(SDL_KEYDOWN, SDLK_RETURN);
+    EXPECT_TRUE(step_until([&] { return shows("print \"??x\"\n??x\nOk\n"); })) << screen_text(host.engine_for_reading());
 }
 
 TEST_F(window_session, paste_types_the_clipboard_as_keys_even_past_a_full_ring)
@@ -136,19 +177,13 @@ TEST_F(window_session, control_shift_c_copies_the_grid_as_text)
 
 TEST_F(window_session, f12_saves_the_presented_screen_without_overwriting)
 {
-    // Screenshots go to the current directory: a fresh one, removed at the end.
-    struct c_scratch_directory {
-        fs::path previous = fs::current_path();
-        fs::path folder = fs::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
-        c_scratch_directory() { fs::create_directories(folder); fs::current_path(folder); }
-        ~c_scratch_directory() { fs::current_path(previous); fs::remove_all(folder); }
-    } scratch;
     std::ofstream("vexil-1.png");  // taken
     type_lines("print 5\n");
     ASSERT_TRUE(step_until([&] { return shows("\n5\nOk\n"); }));
     push(SDL_KEYDOWN, SDLK_F12);
     push(SDL_KEYDOWN, SDLK_F12);
     EXPECT_TRUE(step_until([] { return fs::exists("vexil-3.png"); }));
+    EXPECT_EQ(host.title(), "VEXIL: saved vexil-3.png");  // for two seconds
     EXPECT_EQ(fs::file_size("vexil-1.png"), 0u);  // the file that was there is left alone
     c_png_picture picture;
     ASSERT_TRUE(read_png("vexil-2.png", picture));
@@ -168,6 +203,38 @@ TEST_F(window_session, the_close_button_breaks_a_program_that_loops_forever_and_
     EXPECT_TRUE(shows("run\nBreak at 10.\nOk")) << screen_text(host.engine_for_reading());
 }
 
+TEST_F(window_session, closing_keeps_a_changed_program_in_a_new_recovery_file_and_an_unchanged_one_in_none)
+{
+    std::ofstream("vexil-recovered.bas") << "older";
+    type_lines("10 print 1\n20 print \"two\"\nlist\n");
+    ASSERT_TRUE(step_until([&] { return shows("list\n10 print 1\n20 print \"two\"\nOk"); }));
+    push(SDL_WINDOWEVENT);
+    EXPECT_TRUE(step_to_the_end());
+    EXPECT_EQ(host.finish(), 0);
+    EXPECT_EQ(file_text("vexil-recovered.bas"), "older");
+    EXPECT_EQ(file_text("vexil-recovered-2.bas"), "print 1\r\nprint \"two\"\r\n");
+}
+
+TEST_F(window_session, sigterm_ends_the_session_as_the_signal_would_and_keeps_the_program)
+{
+    c_interrupt_handler signals(&host.engine_for_reading(), true);
+    type_lines("10 print 1\nlist\n");
+    ASSERT_TRUE(step_until([&] { return shows("list\n10 print 1\nOk"); }));
+    ASSERT_EQ(raise(SIGTERM), 0);
+    EXPECT_TRUE(step_to_the_end());
+    EXPECT_EQ(host.finish(), 128 + SIGTERM);
+    EXPECT_EQ(file_text("vexil-recovered.bas"), "print 1\r\n");
+}
+
+TEST_F(window_session, a_program_saved_before_the_end_is_not_recovered)
+{
+    type_lines("10 print 1\nsave \"kept.bas\"\nexit\n");
+    EXPECT_TRUE(step_to_the_end());
+    EXPECT_EQ(host.finish(), 0);
+    EXPECT_EQ(file_text("kept.bas"), "print 1\r\n");
+    EXPECT_FALSE(fs::exists("vexil-recovered.bas"));
+}
+
 TEST(window_picture, keeps_its_aspect_at_the_largest_whole_scale_that_fits_centred)
 {
     struct place_case { int drawable_width, drawable_height, x, y, width, height; };
@@ -183,4 +250,20 @@ TEST(window_picture, keeps_its_aspect_at_the_largest_whole_scale_that_fits_centr
         EXPECT_EQ(std::vector({placed.x, placed.y, placed.width, placed.height}),
             std::vector({c.x, c.y, c.width, c.height})) << c.drawable_width << "x" << c.drawable_height;
     }
+}
+
+TEST(window_scale, is_the_largest_whole_one_at_which_screen_and_frame_fit_the_usable_area)
+{
+    struct scale_case { int usable_width, usable_height, frame_width, frame_height, scale; };
+    const scale_case cases[] = {
+        {1920, 1050, 16, 48, 2},   // a 1080 desktop less its panel: 1440 high would not fit
+        {1936, 1488, 16, 48, 3},   // exactly 3 with the frame
+        {1935, 1488, 16, 48, 2},   // one pixel short across
+        {1936, 1487, 16, 48, 2},   // and down
+        {1366, 738, 2, 30, 1},
+        {600, 400, 16, 48, 1},     // smaller than the screen: still 1
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(fitting_scale(c.usable_width, c.usable_height, {c.frame_width, c.frame_height}, 640, 480), c.scale)
+            << c.usable_width << "x" << c.usable_height;
 }

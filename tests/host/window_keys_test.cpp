@@ -40,15 +40,17 @@ TEST(window_keys, map_presses_to_engine_codes_or_window_actions)
     }
 }
 
-TEST(window_keys, typed_text_keeps_latin_1_and_pasted_text_makes_each_line_end_one_enter)
+TEST(window_keys, typed_text_types_a_question_mark_for_what_cannot_be_shown_and_a_paste_one_enter_per_line_end)
 {
     struct text_case { void (*map)(const char*, std::vector<int>&); const char* text; std::vector<int> codes; };
     const text_case cases[] = {
         {map_typed_text, "a Z~", {'a', ' ', 'Z', '~'}},
-        {map_typed_text, "\xC3\xA9\xC2\xA0", {0xE9, 0xA0}},   // e acute, no-break space
-        {map_typed_text, "\xE2\xA9\x80" "x", {'x'}},          // U+2A40: three bytes, no code
+        {map_typed_text, "\xC3\xA9\xC2\xA0", {'?', '?'}},     // e acute (AltGr, a dead key), no-break space
+        {map_typed_text, "\xE2\x82\xAC" "x", {'?', 'x'}},     // the euro sign: three bytes, one key
+        {map_typed_text, "\xF0\x9F\x98\x80", {'?'}},          // four bytes
         {map_typed_text, "\x7F\xC2\x9F\t", {}},               // control characters
-        {map_typed_text, "\xC3" "a", {'a'}},                  // a cut sequence
+        {map_typed_text, "\xC3" "a", {'?', 'a'}},             // a cut sequence
+        {map_pasted_text, "\xC3\xA9t\xC3\xA9", {'?', 't', '?'}},
         {map_pasted_text, "a\r\nb\nc\rd", {'a', 13, 'b', 13, 'c', 13, 'd'}},
         {map_pasted_text, "\r\r\n\n", {13, 13, 13}},
         {map_pasted_text, "x\ty\x0C\x1Bz", {'x', 9, 'y', 'z'}},  // form feed, escape dropped

@@ -67,7 +67,7 @@ TEST_F(program_files, save_writes_each_source_and_cr_lf_and_an_empty_program_emp
 
 // A save that fails leaves the old file whole and no temporary file beside it: past a file-size limit
 // (a full disk fails the same way) and on a device that is always full, which is written in place and
-// must stay a device. A save that succeeds keeps the old file's permissions.
+// must stay a device. A save that succeeds keeps the old file's permissions, and a link stays a link.
 TEST_F(program_files, save_replaces_a_file_only_when_every_byte_is_written)
 {
     for (int line = 1; line <= 200; ++line)
@@ -90,7 +90,9 @@ TEST_F(program_files, save_replaces_a_file_only_when_every_byte_is_written)
     EXPECT_EQ(console.resource()->error_code, error_device_io);
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 
-    EXPECT_EQ(program.save(path("old.bas").c_str()), 1);
+    std::filesystem::create_symlink(path("old.bas"), path("link.bas"));
+    EXPECT_EQ(program.save(path("link.bas").c_str()), 1);
+    EXPECT_TRUE(std::filesystem::is_symlink(path("link.bas")));  // the file it leads to is replaced
     EXPECT_EQ(std::filesystem::file_size(path("old.bas")), 200u * 70);
     EXPECT_EQ(std::filesystem::status(path("old.bas")).permissions(),
         std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);

@@ -104,8 +104,10 @@ TEST(list_and_renum, list_a_range_and_renumber_from_start_by_step)
         {"renum ,5: list", "100 i=1\n105 i=2\n110 i=3\nOk\n"}, {"renum 7,: list", "7 i=1\n17 i=2\n27 i=3\nOk\n"},
         {"renum 10,0", "Illegal parameter.\nOk\n"},  {"renum 0", "Illegal parameter.\nOk\n"},
         {"renum -1", "Illegal parameter.\nOk\n"},    {"renum 10;5", "Illegal parameter.\nOk\n"},
-        {"renum 99997,1: list", "99997 i=1\n99998 i=2\n99999 i=3\nOk\n"},  // the last typeable number
-        {"renum 99998,1", "Illegal parameter.\nOk\n"}, {"renum 1,2147483647", "Illegal parameter.\nOk\n"},
+        {"renum 99998,1: list", "99998 i=1\n99999 i=2\n100000 i=3\nOk\n"},  // past the typeable numbers
+        {"renum 2147483645,1: list", "2147483645 i=1\n2147483646 i=2\n2147483647 i=3\nOk\n"},
+        {"renum 2147483646,1", "Illegal parameter.\nOk\n"}, {"renum 1,1073741824", "Illegal parameter.\nOk\n"},
+        {"renum 1,1073741823: list", "1 i=1\n1073741824 i=2\n2147483647 i=3\nOk\n"},
         {"renum 10,0\nrenum 0\nrenum -1\nrenum 10;5\nlist", "10 i=1\n20 i=2\n30 i=3\nOk\n"},  // no change
     };
     for (const auto& c : cases)

@@ -1,0 +1,3 @@
+print "waiting for a key"
+$wait if inkey()=0 goto $wait
+print "never"

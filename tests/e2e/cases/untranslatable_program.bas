@@ -1,0 +1,4 @@
+print 1
+print 2
+"unended
+print 4

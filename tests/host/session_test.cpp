@@ -1,0 +1,185 @@
+// The session every host shares: keys fed past a full ring in order, the end once the input has ended,
+// a break that ends a sleep at once, the end that breaks an endless line, --timeout's status, the
+// geometry, and the start-up check of the program file with its one line for standard error.
+#include "host/session.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/screen_capture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct c_quiet_session : c_session {
+    explicit c_quiet_session(const c_options& options) : c_session(options) {}
+    ~c_quiet_session() override { (void)finish(); }  // while the hooks below still exist
+    void update_screen() override {}
+    void update_text() override {}
+    void report(const std::string& line) override { reports.push_back(line); }
+
+    void type(const std::string& text)
+    {
+        std::vector<int> codes;
+        for (unsigned char c : text)
+            codes.push_back(c == '\n' ? 13 : c);
+        type_keys(codes.data(), codes.size());
+    }
+    // Bounded: only a broken session waits this long.
+    bool shows(const std::string& text)
+    {
+        for (int look = 0; look < 10000; ++look) {
+            if (screen_text(engine).find(text) != std::string::npos)
+                return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return false;
+    }
+    void begin()
+    {
+        initialize();
+        start();
+    }
+
+    std::vector<std::string> reports;  // engine thread until finish
+};
+
+struct c_scratch_file {
+    explicit c_scratch_file(const std::string& text)
+    {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    ~c_scratch_file() { fs::remove(path); }
+    // In double quotes, as the reports name it.
+    std::string quoted() const
+    {
+        std::string text(1, '"');
+        text += path.string();
+        text += '"';
+        return text;
+    }
+    fs::path path = fs::temp_directory_path() / ("vexil_session_" + std::to_string(getpid()) + ".bas");
+};
+
+}  // namespace
+
+TEST(session, feeds_keys_past_a_full_ring_in_order_and_ends_once_the_input_has)
+{
+    c_options options;
+    c_quiet_session session(options);
+    session.begin();
+    // 160 keys before the first Enter: more than the ring's 127.
+    session.type("print \"" + std::string(152, 'x') + "\"\nprint 6*7\n");
+    session.end_input();
+    EXPECT_EQ(session.finish(), 0);
+    EXPECT_NE(screen_text(session.engine).find(std::string(80, 'x') + "\n" + std::string(72, 'x') + "\nOk\nprint 6*7\n42\nOk"),
+        std::string::npos) << screen_text(session.engine);
+}
+
+TEST(session, a_break_ends_a_programs_sleep_at_once_and_is_an_error)
+{
+    c_options options;
+    c_quiet_session session(options);
+    session.begin();
+    session.type("print \"zz\":sleep 600000\n");
+    ASSERT_TRUE(session.shows("zz\n"));
+    session.break_program();
+    session.end_input();
+    EXPECT_EQ(session.finish(), exit_error);
+    EXPECT_TRUE(session.shows("zz\nBreak.\nOk"));
+}
+
+TEST(session, the_end_breaks_a_line_that_never_waits_and_is_no_error)
+{
+    c_options options;
+    c_quiet_session session(options);
+    session.begin();
+    session.type("print \"on\":$a goto $a\n");
+    ASSERT_TRUE(session.shows("on\n"));
+    session.end();
+    EXPECT_EQ(session.finish(), 0);
+}
+
+TEST(session, a_timeout_breaks_the_program_and_ends_with_124)
+{
+    c_options options;
+    options.timeout_seconds = 0.05;
+    c_quiet_session session(options);
+    session.begin();
+    session.type("$a goto $a\n");
+    EXPECT_EQ(session.finish(), exit_timed_out);
+}
+
+TEST(session, takes_the_terminals_size_only_when_the_command_line_gave_none)
+{
+    struct geometry_case { bool size_given; int columns, rows, width, height; };
+    const geometry_case cases[] = {
+        {false, 100, 30, 800, 480},
+        {false, 0, 0, 640, 480},     // no terminal: the default
+        {false, 9999, 9999, 4096, 4096},  // at most the largest screen
+        {true, 100, 30, 320, 240},   // --size 320x240 wins
+    };
+    for (const auto& c : cases) {
+        c_options options;
+        options.size_given = c.size_given;
+        if (c.size_given) {
+            options.screen_width = 320;
+            options.screen_height = 240;
+        }
+        c_quiet_session session(options);
+        session.set_geometry(c.columns, c.rows);
+        EXPECT_EQ(std::vector({session.engine.screen_width, session.engine.screen_height, session.engine.line_step}),
+            std::vector({c.width, c.height, c.height * 2})) << c.columns << "x" << c.rows;
+    }
+}
+
+TEST(session, a_program_file_that_fails_to_translate_names_its_line_and_leaves_the_banners_ok)
+{
+    c_scratch_file file("print 1\r\nprint 2\r\n\"abc\r\nprint 4\r\n");
+    c_options options;
+    options.program_file = file.path.string();
+    c_quiet_session session(options);
+    session.begin();
+    session.end_input();
+    EXPECT_EQ(session.finish(), exit_error);
+    EXPECT_EQ(session.reports, std::vector<std::string>({file.quoted() + " line 3: Syntax error"}));
+    const std::string screen = screen_text(session.engine);
+    EXPECT_EQ(screen.find("Ok\n") + 3, screen.size()) << screen;  // nothing after the banner
+}
+
+TEST(program_file, problems_are_found_before_the_load_with_the_line_they_are_in)
+{
+    struct file_case { std::string text; std::string problem; };
+    const std::string longest(255, 'a');
+    const file_case cases[] = {
+        {"print 1\n" + longest + "\r\n", ""},
+        {"print 1\n" + longest + "a\n", "line 2: Too long line"},
+        {std::string(9990, '\n'), ""},            // numbered up to 99990
+        {std::string(9990, '\n') + "x", "line 9991: Illegal line number"},
+        {longest + "\n" + std::string(9988, '\n') + "x", "line 9990: Illegal line number"},  // 255: two numbers
+    };
+    std::vector<int> file_lines;
+    for (const auto& c : cases) {
+        c_scratch_file file(c.text);
+        const std::string expected = c.problem.empty() ? "" : file.quoted() + " " + c.problem;
+        EXPECT_EQ(program_file_problem(file.path.string(), file_lines), expected) << c.problem;
+    }
+    EXPECT_EQ(program_file_problem("/no/such/file.bas", file_lines), "cannot load \"/no/such/file.bas\": No such file or directory");
+    EXPECT_EQ(program_file_problem("/", file_lines), "cannot load \"/\": Is a directory");
+}
+
+TEST(program_file, gives_each_number_the_file_line_the_load_reads_it_from)
+{
+    // The load reads 255 characters at a time: a line of 255 leaves its line end as a blank line.
+    c_scratch_file file("a\r\n\n" + std::string(255, 'b') + "\r\n" + std::string(254, 'c') + "\r\nd");
+    std::vector<int> file_lines;
+    ASSERT_EQ(program_file_problem(file.path.string(), file_lines), "");
+    EXPECT_EQ(file_lines, std::vector<int>({1, 2, 3, 3, 4, 4, 5}));
+}
