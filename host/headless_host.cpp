@@ -51,7 +51,14 @@ int c_headless_host::run()
     recording = !options.print_screen;
     start();
     c_wake_pipe wake_pipe;
-    std::thread reader([&] { read_keys(wake_pipe.fds[0]); });
+    std::thread reader;
+    try {
+        reader = std::thread([&] { read_keys(wake_pipe.fds[0]); });
+    } catch (...) {
+        end();  // no key will come: the engine's thread ends before main reports the failure
+        (void)finish();
+        throw;
+    }
     int status = finish();
     wake_pipe.wake();
     reader.join();

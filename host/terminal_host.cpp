@@ -27,18 +27,19 @@ int c_terminal_host::run()
     terminal_open = true;
     set_geometry(screen.columns(), screen.rows());
     if (!initialize()) {
-        screen.close();
-        terminal_open = false;
+        give_back_terminal();
         return exit_error;
     }
     interrupt_handler.set_engine(&engine);
-    start();
+    try {
+        start();
+    } catch (...) {
+        give_back_terminal();  // in its normal mode again before main reports the failure
+        throw;
+    }
     serve_terminal();
     int status = finish();
-    screen.close();
-    terminal_open = false;
-    for (const std::string& line : held_reports)
-        report(line);
+    give_back_terminal();
     recover_program();
     // The image is the one thing a terminal cannot show, so --png still writes it.
     if (!options.png_file.empty()) {
@@ -49,6 +50,15 @@ int c_terminal_host::run()
         }
     }
     return status;
+}
+
+void c_terminal_host::give_back_terminal()
+{
+    screen.close();
+    terminal_open = false;
+    for (const std::string& line : held_reports)
+        report(line);
+    held_reports.clear();
 }
 
 void c_terminal_host::report(const std::string& line)

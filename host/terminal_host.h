@@ -27,6 +27,7 @@ protected:
 
 private:
     void serve_terminal();
+    void give_back_terminal();  // closes the screen, then writes the reports held while it was open
     void take_key(int code, bool is_function_key);
 
     static constexpr int frame_ms = 16;  // about 60 draws a second

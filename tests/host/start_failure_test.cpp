@@ -29,9 +29,10 @@ TEST(host_start, window_does_not_open_without_the_planes)
     c_options options;
     options.window_scale = 1;
     c_window_host host(options);
-    std::string error;
+    ::testing::internal::CaptureStderr();
     allocation_fail_at(2);
-    EXPECT_FALSE(host.open(error));
+    const int status = host.run();
     allocation_fail_at(0);
-    EXPECT_EQ(error, "out of memory");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "vexil: out of memory\n");
+    EXPECT_EQ(status, 1);
 }
