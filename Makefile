@@ -8,6 +8,9 @@
 # make web              build the web page in build-web/ (emscripten)
 # make serve            build it, then serve it on http://127.0.0.1:8000
 # make test-web         build it and run the page's tests in headless Chromium (Playwright)
+# make test TSAN=1      every test under ThreadSanitizer, in build-tsan; any report fails
+# make coverage         every test on a build with coverage counters, then line and branch coverage per folder
+# make fuzz FUZZ_SECONDS=N  each libFuzzer target for N seconds (default 60) under ASan and UBSan, in build-fuzz
 # Each target first installs the Debian packages it needs when they are missing (as root).
 
 PACKAGES := cmake g++ make libgtest-dev googletest libpng-dev pkg-config libsdl2-dev libncurses-dev xvfb xauth tmux
@@ -24,12 +27,21 @@ endif
 ifeq ($(SANITIZE),1)
 BUILD_DIR := build-sanitize
 CMAKE_FLAGS := -DVEXIL_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
+else ifeq ($(TSAN),1)
+BUILD_DIR := build-tsan
+CMAKE_FLAGS := -DVEXIL_TSAN=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo
 else
 BUILD_DIR := build
 CMAKE_FLAGS :=
 endif
+# Reports go to files, from the test binaries and from every vexil the scripts start; any one fails.
+# A huge array is refused ("Out of memory") as the release build refuses it, not a report.
+ifeq ($(TSAN),1)
+TEST_ENV := rm -f report.* && TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/report allocator_may_return_null=1"
+TEST_CHECK := @if ls build-tsan/report.* >/dev/null 2>&1; then cat build-tsan/report.*; exit 1; fi
+endif
 
-.PHONY: all run test bench clean packages configure install package
+.PHONY: all run test bench clean packages configure install package fuzz coverage
 
 all: configure
 	cmake --build $(BUILD_DIR) $(JOBS) --target vexil
@@ -42,6 +54,7 @@ run:
 test: configure
 	cmake --build $(BUILD_DIR) $(JOBS)
 	cd $(BUILD_DIR) && $(TEST_ENV) ctest --output-on-failure
+	$(TEST_CHECK)
 
 # The binary, the window module and the manual page: what install and package put in place.
 PREFIX ?= /usr/local
@@ -57,7 +70,7 @@ bench: packages
 	bash bench/run.sh
 
 clean:
-	rm -rf build build-sanitize build-release build-web
+	rm -rf build build-sanitize build-release build-web build-fuzz build-tsan build-coverage
 
 # The web page. Debian's emscripten needs its acorn module from Debian's node path, which the node on
 # these machines does not search. Node itself comes with the machine (its npm too); Debian's when missing.
@@ -78,6 +91,24 @@ serve: web
 test-web: web
 	cd tests/web && PLAYWRIGHT_SKIP_BROWSER_DOWNLOAD=1 npm ci --no-audit --no-fund --loglevel=error
 	cd tests/web && node --test
+
+# clang with its libFuzzer runtime; the engine alone, instrumented, and the three targets.
+FUZZ_SECONDS := 60
+fuzz: PACKAGES += clang libclang-rt-14-dev
+fuzz: packages
+	cmake -S . -B build-fuzz -DVEXIL_FUZZ=ON -DVEXIL_SANITIZE=ON -DCMAKE_CXX_COMPILER=clang++ \
+	  -DCMAKE_BUILD_TYPE=RelWithDebInfo --log-level=WARNING
+	cmake --build build-fuzz $(JOBS)
+	bash fuzz/run.sh build-fuzz $(FUZZ_SECONDS)
+
+# Unoptimised, so every line and branch counts where the source has it; counts start from zero each time.
+# The figures are printed even when a test fails, and the target fails after them.
+coverage: PACKAGES += gcovr
+coverage: packages
+	cmake -S . -B build-coverage -DVEXIL_COVERAGE=ON -DCMAKE_BUILD_TYPE=Debug --log-level=WARNING
+	cmake --build build-coverage $(JOBS)
+	find build-coverage -name '*.gcda' -delete
+	cd build-coverage && ctest --output-on-failure; status=$$?; cd .. && bash tests/coverage.sh build-coverage && exit $$status
 
 configure: packages
 	cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) --log-level=WARNING

@@ -64,6 +64,21 @@ TEST(immediate_line, runs_on_enter_and_shows_its_output_then_ok_or_the_error_bel
     }
 }
 
+// The line fills the last row, so the cell that ends it is the one past the grid.
+TEST(immediate_line, ending_in_the_grids_last_cell_runs_with_its_output_scrolled_into_view)
+{
+    test_console console;
+    const std::string line = "print 5" + std::string(73, ' ');
+    for (int x = 0; x < 80; ++x)
+        console.engine.text_layer.at(x, 29) = console.engine.text_editor.text_color | static_cast<unsigned char>(line[x]);
+    console.engine.text_editor.locate(0, 29);
+    console.key(key_enter);
+    EXPECT_EQ(console.row(26), "print 5");
+    EXPECT_EQ(console.row(27), "5");
+    EXPECT_EQ(console.row(28), "Ok");
+    EXPECT_EQ(console.cursor_y(), 29);
+}
+
 TEST(immediate_line, keys_typed_while_it_runs_appear_after_ok)
 {
     test_console console;

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # The terminal host in a detached tmux session of 100 x 30: keys typed into the pane, the pane's text
 # read back. Checks an answer and its Ok, the grid as wide as the terminal, the editing keys, Control+C
-# breaking an endless line without ending the session, and that after `exit` the session is over and
-# the terminal is back in its normal mode; and that --png still writes the image at the end. Then that
-# typed UTF-8 is one "?" for each character the console cannot show; that SIGHUP keeps a program that
-# was not saved in a new vexil-recovered file; that a terminal that cannot move the cursor is refused
-# by --terminal and left to the headless face by the automatic choice.
+# breaking an endless line and a long sleep without ending the session, and that after `exit` the
+# session is over and the terminal is back in its normal mode; and that --png still writes the image at
+# the end. Then that typed UTF-8 is one "?" for each character the console cannot show; that SIGHUP
+# keeps a program that was not saved in a new vexil-recovered file; that a terminal that cannot move the
+# cursor is refused by --terminal and left to the headless face by the automatic choice.
 # usage: terminal.sh VEXIL   (status 77: skipped, for want of tmux)
 set -uo pipefail
 
@@ -91,6 +91,11 @@ tmux_ send-keys -t vexil C-c
 wait_for '^Break'
 type_line 'print 6*7'
 wait_for '^42$'
+# A program's sleep ends at Control+C, not when its hour is up; cls leaves the earlier Break off the pane.
+type_line 'cls: print "sleeping": sleep 3600000'
+wait_for '^sleeping$'
+tmux_ send-keys -t vexil C-c
+wait_for '^Break'
 
 # e acute, the euro sign, then x: two "?" keys and the x.
 type_line 'print "é€x"'

@@ -37,6 +37,7 @@ const start_case start_cases[] = {
     {"fails.bas", "print 1\nprint 2\ngoto $nowhere\n", "@", "1\n2\n\nInvalid label at 120.\nOk\n", 5, error_invalid_label},
     {"my prog.txt", "print \"quoted\"\r\n", "\"@\"b", "quoted\n", 1, 0},  // a quoted name ends at the next quote
     {"a\"b", "print \"unquoted\"\r\n", "@", "unquoted\n", 1, 0},           // an unquoted name keeps its quote
+    {"open.bas", "print \"open\"\r\n", "\"@", "open\n", 1, 0},  // a quote never closed: the name runs to the end
     {"missing.bas", "", "@", "", 0, 0},                                    // dropped without a word
     {"long.bas", "", std::string(300, 'x'), "", 0, 0},                     // past 259 characters: cut, not overrun
 };

@@ -19,7 +19,7 @@ TEST(evaluator, binds_by_precedence_and_groups_power_to_the_right)
         {"not 1=1", "0"},     {"not 0+1", "0"},     {"1+2=3", "-1"},      {"1=1 and 2=2", "-1"},
         {"4 or 2 and 1", "4"}, {"5 or 3 xor 1", "6"}, {"--3", "3"},       {"+3", "3"},
         {"2*3^2", "18"},      {"1-2<<1", "-3"},     {"8>>1+1", "5"},       {"7-2-1", "4"},
-        {"2*3+1", "7"},       {"5=5.0", "-1"},
+        {"2*3+1", "7"},       {"5=5.0", "-1"},      {"2<>2", "0"},        {"2.5<>2.5", "0"},
     });
 }
 
@@ -44,6 +44,8 @@ TEST(evaluator, stops_at_the_first_error_keeping_what_it_had_reached)
         // The short forms the evaluator takes without its level chain must stop in the same place.
         {"1+1/0", "1\nDivision by zero."},  {"1/0+2", "1\nDivision by zero."},
         {"1.5 mod 2", "1.500000\nType mismatch."},
+        {"(1/0) and 1", "1\nDivision by zero."},  {"3 and 1/0", "3\nDivision by zero."},
+        {"(1/0)<<1", "1\nDivision by zero."},     {"3<<(1/0)", "3\nDivision by zero."},
     });
 }
 

@@ -135,6 +135,7 @@ TEST(statements, malformed_statements_report_their_codes)
         {"i 5", "Syntax error.\nOk\n"},           {"ia(1)", "Syntax error.\nOk\n"},
         {"ia 1", "Syntax error.\nOk\n"},          {"ia(1=2", "Syntax error.\nOk\n"},
         {"ia(1,1,1,1,1,1,1,1,1)=3", "Syntax error.\nOk\n"}, {"ia(11)=1", "Subscript out of range.\nOk\n"},
+        {"ia(1)=1/0: print ia(1)", "Division by zero.\nOk\n"},
         {"print 1: 5", "1\nSyntax error.\nOk\n"}, {"print 1: to", "1\nSyntax error.\nOk\n"},
         {"10 i=5\n20 i=1/0\nrun\nprint i", "5\nOk\n"},  // a failed assignment leaves its target
         {"10 print 1\n20 x=1\n30 print 3\nrun", "1\nSyntax error at 20.\nOk\n"},  // an untranslated line

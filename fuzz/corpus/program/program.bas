@@ -1,0 +1,3 @@
+print "hello"
+i=6*7
+print i

@@ -1,0 +1,3 @@
+print "a"
+i=1/0
+print "never"
