@@ -338,23 +338,32 @@ int c_expression::read_number(number_type& result, const unsigned char*& p)
 // copying s into a value and back; with anything after it, the evaluation goes on from s + operand.
 int c_expression::string_assignment(c_variable_string* target, const unsigned char*& p)
 {
+    if (p[0] != token_string_variable || peek_operand<variable_id>(p + 1) != target->id ||
+        p[operand_token_size] != token_plus)
+        return assign(target, p, nullptr);
+    p += operand_token_size + 1;
     bool ok = true;
+    c_value right;
+    if (int code = binary(right, p, ok, level_addition + 1); !ok)
+        return code;
+    if (operator_of(*p).level == level_none)
+        return string_append(target->text, target->length, right.current);
+    return assign(target, p, &right);
+}
+
+// Assigns the expression at p to target; given `right`, the expression is target + right followed by
+// what is at p.
+int c_expression::assign(c_variable_string* target, const unsigned char*& p, const c_value* right)
+{
     c_value value;
     int code = 0;
-    if (p[0] == token_string_variable && peek_operand<variable_id>(p + 1) == target->id &&
-        p[operand_token_size] == token_plus) {
-        p += operand_token_size + 1;
-        c_value right;
-        code = binary(right, p, ok, level_addition + 1);
-        if (!ok)
-            return code;
-        if (operator_of(*p).level == level_none)
-            return string_append(target->text, target->length, right.current);
-        value.change_string(target->text, target->length);
-        if (code = fail_on(operate(value, token_plus, right), ok); code == 0)
-            code = operators(value, p, ok, level_or);
-    } else {
+    if (right == nullptr) {
         code = expression(value, p);
+    } else {
+        bool ok = true;
+        value.change_string(target->text, target->length);
+        if (code = fail_on(operate(value, token_plus, *right), ok); code == 0)
+            code = operators(value, p, ok, level_or);
     }
     if (code != 0)
         return code;

@@ -89,6 +89,17 @@ int evaluate(c_system_resource* res, double& result, const unsigned char*& p)
     return code;
 }
 
+// Moves a resume point that lies on its line's end mark on into the next line, as the end mark would
+// when reached, so that a jump back to it (NEXT, RETURN, a label alone on its line) runs no end mark.
+// An immediate line, the last line and a line with no code are left to the end mark itself.
+void settle(const unsigned char*& p, c_program_line*& line)
+{
+    while (*p == token_end && line != nullptr && line->next != nullptr && line->next->code != nullptr) {
+        line = line->next;
+        p = line->code;
+    }
+}
+
 // Sends the cursor to the label's definition. A label whose line is gone (deleted, replaced, finished
 // as an immediate line) or never translated has no line or no code, and is refused.
 void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable_id id)
@@ -100,7 +111,9 @@ void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable
         return;
     }
     p = label->line->code + label->position;
-    interpreter.program_list.current = label->line;
+    c_program_line* line = label->line;
+    settle(p, line);
+    interpreter.program_list.current = line;
 }
 
 }  // namespace
@@ -236,7 +249,10 @@ void c_interpreter::cmd_for(const unsigned char*& p)
         res->error_code.raise(error_for_overflow);
         return;
     }
-    for_stack[for_depth++] = {counter, step, limit, program_list.current, p};
+    c_program_line* body_line = program_list.current;
+    const unsigned char* body = p;
+    settle(body, body_line);
+    for_stack[for_depth++] = {counter, step, limit, body_line, body};
 }
 
 // NEXT closes the innermost loop and takes no operand: a name after it runs as the next statement.
@@ -267,7 +283,8 @@ void c_interpreter::cmd_gosub(const unsigned char*& p)
         return;
     }
     auto target = read_operand<variable_id>(p);
-    const c_gosub_entry resume = {program_list.current, p};
+    c_gosub_entry resume = {program_list.current, p};
+    settle(resume.resume_position, resume.resume_line);
     jump_to_label(p, *this, target);
     if (res->error_code != error_none)
         return;
