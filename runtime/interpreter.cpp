@@ -264,8 +264,9 @@ void c_interpreter::cmd_next(const unsigned char*& p)
         return;
     }
     const c_for_entry& entry = for_stack[for_depth - 1];
-    entry.counter->value = add_wrapping(entry.counter->value, entry.step);
-    if (loop_finished(entry.counter->value, entry.step, entry.limit)) {
+    int value = add_wrapping(entry.counter->value, entry.step);
+    entry.counter->value = value;
+    if (loop_finished(value, entry.step, entry.limit)) {
         --for_depth;
         return;
     }
