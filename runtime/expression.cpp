@@ -59,11 +59,11 @@ constexpr c_operator operator_table[] = {
 };
 static_assert(std::size(operator_table) == token_power - token_and + 1);
 
-constexpr c_operator no_operator = {level_none, nullptr, nullptr};
-
-const c_operator& operator_of(unsigned char kind)
+// The level of the operator a kind byte stands for, level_none for any other kind.
+int level_of(unsigned char kind)
 {
-    return kind >= token_and && kind <= token_power ? operator_table[kind - token_and] : no_operator;
+    unsigned index = kind - token_and;
+    return index < std::size(operator_table) ? operator_table[index].level : level_none;
 }
 
 // Records a failure in the evaluation's flag and passes the code on (0 passes through untouched).
@@ -167,7 +167,7 @@ int operate(c_number& left, unsigned char kind, const c_number& right)
         return integer_operation(left.integer, kind, right.integer);
     double a = left.is_real ? left.real : left.integer;
     double b = right.is_real ? right.real : right.integer;
-    if (operator_of(kind).level == level_comparator) {
+    if (level_of(kind) == level_comparator) {
         left = {false, comparison(kind, a, b), 0.0};
         return 0;
     }
@@ -208,7 +208,7 @@ int operate(c_value& value, unsigned char kind, const c_value& right_value)
     }
     if (int code = c_expression::class_change(value, right_value.get_type()); code != 0)
         return code;
-    const c_operator& slot = operator_of(kind);
+    const c_operator& slot = operator_table[kind - token_and];  // kind is a binary operator
     if (slot.operation != nullptr)
         return (value.current->*slot.operation)(right_value.current);
     int result = 0;
@@ -346,7 +346,7 @@ int c_expression::string_assignment(c_variable_string* target, const unsigned ch
     c_value right;
     if (int code = binary(right, p, ok, level_addition + 1); !ok)
         return code;
-    if (operator_of(*p).level == level_none)
+    if (level_of(*p) == level_none)
         return string_append(target->text, target->length, right.current);
     return assign(target, p, &right);
 }
@@ -422,7 +422,7 @@ int c_expression::operators(operand& value, const unsigned char*& p, bool& ok, i
 {
     for (;;) {
         unsigned char kind = *p;
-        int binding = operator_of(kind).level;
+        int binding = level_of(kind);
         if (binding < level)  // level_none stops every level
             return 0;
         ++p;
