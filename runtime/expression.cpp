@@ -2,7 +2,7 @@
 // of a left-to-right level takes as its right operand the levels above it, power's takes power again.
 // The loop runs on two kinds of operand: c_number, for expressions of numbers alone, which needs no
 // c_value and gives up (not_a_number) at anything else, and c_value, which takes every expression.
-// The numeric way calls no function and allocates nothing, so giving up and evaluating again from the
+// The numeric way calls no built-in function and allocates nothing, so giving up and evaluating again from the
 // start repeats nothing a program could see; both call the one definition of each operator.
 #include "runtime/expression.h"
 
@@ -406,6 +406,7 @@ int c_expression::value_expression(c_value& value, const unsigned char*& p)
     return binary(value, p, ok, level_or);
 }
 
+// An operand and the operators of `level` or tighter after it, with their right operands.
 template <class operand>
 int c_expression::binary(operand& value, const unsigned char*& p, bool& ok, int level)
 {

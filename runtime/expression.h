@@ -1,5 +1,5 @@
-// The evaluator: straight over the token bytes, one loop over the precedence levels from or_op
-// (loosest) to power, driven by one table of operators; term takes operands and prefix operators.
+// The evaluator: straight over the token bytes, one loop over the precedence levels from OR and XOR
+// (loosest) to ^, driven by one table of operators; term takes operands and prefix operators.
 // The first error ends the whole evaluation through `ok`.
 #pragma once
 
