@@ -134,47 +134,45 @@ int integer_operation(int& a, unsigned char kind, int b)
     }
 }
 
-// What the real type's slots do, by operator, comparisons aside.
-int real_operation(double& a, unsigned char kind, double b)
-{
-    switch (kind) {
-    case token_plus:
-        a = real_addition(a, b);
-        return 0;
-    case token_minus:
-        a = real_subtraction(a, b);
-        return 0;
-    case token_multiply:
-        a = real_multiplication(a, b);
-        return 0;
-    case token_divide:
-        return real_division(a, b);
-    case token_power:
-        a = real_power(a, b);
-        return 0;
-    case token_mod:
-        return error_type_mismatch;
-    default:
-        return error_syntax;
-    }
-}
-
-// Two integers give an integer; otherwise both are read as reals, as promotion would have them. On an
-// error left is unchanged.
+// Two integers give an integer; otherwise both are read as reals, as promotion would have them, and
+// the real type's slots are followed. On an error left is unchanged.
 int operate(c_number& left, unsigned char kind, const c_number& right)
 {
     if (!left.is_real && !right.is_real)
         return integer_operation(left.integer, kind, right.integer);
     double a = left.is_real ? left.real : left.integer;
     double b = right.is_real ? right.real : right.integer;
-    if (level_of(kind) == level_comparator) {
+    switch (kind) {
+    case token_plus:
+        left = {true, 0, real_addition(a, b)};
+        return 0;
+    case token_minus:
+        left = {true, 0, real_subtraction(a, b)};
+        return 0;
+    case token_multiply:
+        left = {true, 0, real_multiplication(a, b)};
+        return 0;
+    case token_divide:
+        if (int code = real_division(a, b); code != 0)
+            return code;
+        left = {true, 0, a};
+        return 0;
+    case token_power:
+        left = {true, 0, real_power(a, b)};
+        return 0;
+    case token_mod:
+        return error_type_mismatch;
+    case token_equal:
+    case token_not_equal:
+    case token_less:
+    case token_less_equal:
+    case token_greater:
+    case token_greater_equal:
         left = {false, comparison(kind, a, b), 0.0};
         return 0;
+    default:
+        return error_syntax;  // a real has no AND, OR, XOR or shifts
     }
-    if (int code = real_operation(a, kind, b); code != 0)
-        return code;
-    left = {true, 0, a};
-    return 0;
 }
 
 bool as_number(const c_value& value, c_number& number)
