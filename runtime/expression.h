@@ -8,11 +8,12 @@
 struct c_system_resource;
 class c_variable_string;
 
-// A number on the evaluator's way for expressions of numbers alone: no text, nothing to build.
+// A number on the evaluator's way for expressions of numbers alone: no text, nothing to build. Left
+// unset until term fills it: an operand that fills none gives the numeric way up.
 struct c_number {
-    bool is_real = false;
-    int integer = 0;
-    double real = 0.0;
+    bool is_real;
+    int integer;
+    double real;
 };
 
 class c_expression {
