@@ -1,11 +1,9 @@
 -- GOSUB and RETURN: a million calls of a small function
-total = 0
-local i
-local function add()
-    total = total + i % 3
+local total = 0
+local function add(i)
+  total = total + i % 3
 end
-for n = 1, 1000000 do
-    i = n
-    add()
+for i = 1, 1000000 do
+  add(i)
 end
 print(total)
