@@ -17,7 +17,7 @@ fi
 vexil=${VEXIL:-build-release/vexil}
 runs=${RUNS:-5}
 
-if [ $# -gt 0 ]; then names=("$@"); else names=(loop gosub mandelbrot matrix print rugg sieve strings); fi
+if [ $# -gt 0 ]; then names=("$@"); else names=(loop gosub mandelbrot matrix print sieve strings); fi
 
 # interpreter name, program extension, command prefix (the program path is appended)
 interpreters=("vexil|bas|$vexil --headless")
