@@ -5,6 +5,7 @@
 # The profiles stay in build-release/callgrind.NAME for callgrind_annotate.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+command -v valgrind > /dev/null || { echo "bench/instructions.sh needs valgrind: apt-get install valgrind" >&2; exit 1; }
 
 if [ -z "${VEXIL:-}" ]; then
     cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release --log-level=WARNING >/dev/null
