@@ -1,17 +1,70 @@
-// The evaluator. Each left-to-right level evaluates its first operand into the caller's value, then,
-// for every operator of its own, a right operand into a local value made only then; the left operand
-// is promoted toward the right one's type and the operator's slot is called on it. A cleared `ok`
-// returns through every level at once, so the first error is the one the caller receives.
+// The evaluator. One loop (`operators`) walks every binary level by the operator table: an operator
+// of a left-to-right level takes as its right operand the levels above it, power's takes power again.
+// The loop runs on two kinds of operand: c_number, for expressions of numbers alone, which needs no
+// c_value and gives up (not_a_number) at anything else, and c_value, which takes every expression.
+// The numeric way calls no built-in function and allocates nothing, so giving up and evaluating again from the
+// start repeats nothing a program could see; both call the one definition of each operator.
 #include "runtime/expression.h"
+
+#include <iterator>
+#include <type_traits>
 
 #include "engine/error.h"
 #include "engine/system_resource.h"
 #include "language/code.h"
+#include "runtime/arithmetic.h"
 #include "runtime/function.h"
 #include "runtime/interpreter.h"
 #include "runtime/variable.h"
 
 namespace {
+
+constexpr int not_a_number = -1;  // the numeric way gives up; never leaves the evaluator
+
+constexpr int level_none = 0, level_or = 1, level_and = 2, level_comparator = 3, level_addition = 4,
+              level_shift = 5, level_multiplication = 6, level_power = 7;
+
+// A binary operator: its level and its slot on the left operand's type (an operation or a comparison).
+struct c_operator {
+    int level;
+    int (c_base_type::*operation)(const c_base_type*);
+    int (c_base_type::*comparison)(int&, const c_base_type*) const;
+};
+
+// Indexed by token kind - token_and: the code format fixes the kinds' order, so this table's too.
+constexpr c_operator operator_table[] = {
+    {level_and, &c_base_type::and_op, nullptr},                     // 23 AND
+    {level_or, &c_base_type::or_op, nullptr},                       // 24 OR
+    {level_or, &c_base_type::xor_op, nullptr},                      // 25 XOR
+    {level_none, nullptr, nullptr},                                 // 26 NOT, prefix only
+    {level_multiplication, &c_base_type::remainder, nullptr},       // 27 MOD
+    {level_addition, &c_base_type::addition, nullptr},              // 28 +
+    {level_addition, &c_base_type::subtraction, nullptr},           // 29 -
+    {level_multiplication, &c_base_type::multiplication, nullptr},  // 30 *
+    {level_multiplication, &c_base_type::division, nullptr},        // 31 /
+    {level_none, nullptr, nullptr},                                 // 32 (
+    {level_none, nullptr, nullptr},                                 // 33 )
+    {level_comparator, nullptr, &c_base_type::equ},                 // 34 =
+    {level_comparator, nullptr, &c_base_type::lt_equ},              // 35 <=
+    {level_comparator, nullptr, &c_base_type::gt_equ},              // 36 >=
+    {level_comparator, nullptr, &c_base_type::not_equ},             // 37 <>
+    {level_shift, &c_base_type::lshift, nullptr},                   // 38 <<
+    {level_shift, &c_base_type::rshift, nullptr},                   // 39 >>
+    {level_comparator, nullptr, &c_base_type::lt},                  // 40 <
+    {level_comparator, nullptr, &c_base_type::gt},                  // 41 >
+    {level_none, nullptr, nullptr},                                 // 42 :
+    {level_none, nullptr, nullptr},                                 // 43 ;
+    {level_none, nullptr, nullptr},                                 // 44 ,
+    {level_power, &c_base_type::power, nullptr},                    // 45 ^
+};
+static_assert(std::size(operator_table) == token_power - token_and + 1);
+
+// The level of the operator a kind byte stands for, level_none for any other kind.
+int level_of(unsigned char kind)
+{
+    unsigned index = kind - token_and;
+    return index < std::size(operator_table) ? operator_table[index].level : level_none;
+}
 
 // Records a failure in the evaluation's flag and passes the code on (0 passes through untouched).
 int fail_on(int code, bool& ok)
@@ -21,223 +74,146 @@ int fail_on(int code, bool& ok)
     return code;
 }
 
-// A comparison's truth (-1 or 0) becomes the value, an integer whatever the operand types were.
-int compare(c_value& value, unsigned char kind, const c_base_type* right)
+template <class number>
+int comparison(unsigned char kind, number a, number b)
 {
-    const c_base_type* left = value.current;
-    int result = 0;
-    int code = 0;
     switch (kind) {
     case token_equal:
-        code = left->equ(result, right);
-        break;
-    case token_less_equal:
-        code = left->lt_equ(result, right);
-        break;
-    case token_greater_equal:
-        code = left->gt_equ(result, right);
-        break;
+        return compare_equ(a, b);
     case token_not_equal:
-        code = left->not_equ(result, right);
-        break;
+        return compare_not_equ(a, b);
     case token_less:
-        code = left->lt(result, right);
-        break;
+        return compare_lt(a, b);
+    case token_less_equal:
+        return compare_lt_equ(a, b);
+    case token_greater:
+        return compare_gt(a, b);
     default:
-        code = left->gt(result, right);
-        break;
+        return compare_gt_equ(a, b);
     }
-    if (code == 0)
-        value.change_integer(result);
-    return code;
 }
 
-// Two integers: the operators whose slots cannot fail, and division and MOD by a divisor other than
-// 0 and -1, give here exactly what the slots give; false leaves the rest to the slots.
-bool integer_shortcut(c_value& value, unsigned char kind, int right)
+// What the integer type's slots do, by operator; a comparison's truth replaces a.
+int integer_operation(int& a, unsigned char kind, int b)
 {
-    int& left = value.integer_value.value;
     switch (kind) {
     case token_plus:
-        left = static_cast<int>(static_cast<unsigned>(left) + static_cast<unsigned>(right));
-        return true;
+        a = integer_addition(a, b);
+        return 0;
     case token_minus:
-        left = static_cast<int>(static_cast<unsigned>(left) - static_cast<unsigned>(right));
-        return true;
+        a = integer_subtraction(a, b);
+        return 0;
     case token_multiply:
-        left = static_cast<int>(static_cast<unsigned>(left) * static_cast<unsigned>(right));
-        return true;
+        a = integer_multiplication(a, b);
+        return 0;
     case token_divide:
+        return integer_division(a, b);
     case token_mod:
-        if (right == 0 || right == -1)
-            return false;
-        left = kind == token_divide ? left / right : left % right;
-        return true;
+        return integer_remainder(a, b);
     case token_and:
-        left &= right;
-        return true;
+        a = integer_and_op(a, b);
+        return 0;
     case token_or:
-        left |= right;
-        return true;
+        a = integer_or_op(a, b);
+        return 0;
     case token_xor:
-        left ^= right;
-        return true;
-    case token_equal:
-        left = left == right ? -1 : 0;
-        return true;
-    case token_not_equal:
-        left = left != right ? -1 : 0;
-        return true;
-    case token_less:
-        left = left < right ? -1 : 0;
-        return true;
-    case token_less_equal:
-        left = left <= right ? -1 : 0;
-        return true;
-    case token_greater:
-        left = left > right ? -1 : 0;
-        return true;
-    case token_greater_equal:
-        left = left >= right ? -1 : 0;
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Two reals: as integer_shortcut, for the arithmetic and the comparisons (which give an integer).
-bool real_shortcut(c_value& value, unsigned char kind, double right)
-{
-    double& left = value.real_value.value;
-    switch (kind) {
-    case token_plus:
-        left += right;
-        return true;
-    case token_minus:
-        left -= right;
-        return true;
-    case token_multiply:
-        left *= right;
-        return true;
-    case token_divide:
-        if (right == 0.0)
-            return false;
-        left /= right;
-        return true;
-    case token_equal:
-        value.change_integer(left == right ? -1 : 0);
-        return true;
-    case token_not_equal:
-        value.change_integer(!(left == right) ? -1 : 0);
-        return true;
-    case token_less:
-        value.change_integer(left < right ? -1 : 0);
-        return true;
-    case token_less_equal:
-        value.change_integer(left <= right ? -1 : 0);
-        return true;
-    case token_greater:
-        value.change_integer(left > right ? -1 : 0);
-        return true;
-    case token_greater_equal:
-        value.change_integer(left >= right ? -1 : 0);
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Promotes the left operand toward the right one's type, then calls the operator's slot on it.
-// Operands of one numeric type, the bulk of all arithmetic, first try the shortcuts above, which
-// spare the promotion and the virtual calls.
-int operate(c_value& value, unsigned char kind, const c_value& right_value)
-{
-    if (value.current == &value.integer_value && right_value.current == &right_value.integer_value) {
-        if (integer_shortcut(value, kind, right_value.integer_value.value))
-            return 0;
-    } else if (value.current == &value.real_value && right_value.current == &right_value.real_value) {
-        if (real_shortcut(value, kind, right_value.real_value.value))
-            return 0;
-    }
-    if (int code = c_expression::class_change(value, right_value.get_type()); code != 0)
-        return code;
-    c_base_type* left = value.current;
-    const c_base_type* right = right_value.current;
-    switch (kind) {
-    case token_or:
-        return left->or_op(right);
-    case token_xor:
-        return left->xor_op(right);
-    case token_and:
-        return left->and_op(right);
-    case token_plus:
-        return left->addition(right);
-    case token_minus:
-        return left->subtraction(right);
+        a = integer_xor_op(a, b);
+        return 0;
     case token_shift_left:
-        return left->lshift(right);
+        a = integer_lshift(a, b);
+        return 0;
     case token_shift_right:
-        return left->rshift(right);
-    case token_multiply:
-        return left->multiplication(right);
-    case token_divide:
-        return left->division(right);
-    case token_mod:
-        return left->remainder(right);
+        a = integer_rshift(a, b);
+        return 0;
     case token_power:
-        return left->power(right);
+        a = integer_power(a, b);
+        return 0;
     default:
-        return compare(value, kind, right);
-    }
-}
-
-// The level whose loop takes each binary operator, loosest 1 to tightest 7; 0 for any other token.
-constexpr int level_or = 1, level_and = 2, level_comparator = 3, level_addition = 4, level_shift = 5,
-              level_multiplication = 6, level_power = 7;
-
-int binding(unsigned char kind)
-{
-    switch (kind) {
-    case token_or:
-    case token_xor:
-        return level_or;
-    case token_and:
-        return level_and;
-    case token_equal:
-    case token_less_equal:
-    case token_greater_equal:
-    case token_not_equal:
-    case token_less:
-    case token_greater:
-        return level_comparator;
-    case token_plus:
-    case token_minus:
-        return level_addition;
-    case token_shift_left:
-    case token_shift_right:
-        return level_shift;
-    case token_multiply:
-    case token_divide:
-    case token_mod:
-        return level_multiplication;
-    case token_power:
-        return level_power;
-    default:
+        a = comparison(kind, a, b);
         return 0;
     }
 }
 
-// A constant or scalar variable followed by no operator tighter than `level` is a whole operand of
-// that level: term alone gives what the levels in between would, since none of them finds an operator.
-// Level 0 asks for an operand that no operator follows at all.
-bool lone_operand(const unsigned char* p, int level)
+// Two integers give an integer; otherwise both are read as reals, as promotion would have them, and
+// the real type's slots are followed. On an error left is unchanged.
+int operate(c_number& left, unsigned char kind, const c_number& right)
 {
-    return *p <= token_string_variable && binding(p[token_size(p)]) <= level;
+    if (!left.is_real && !right.is_real)
+        return integer_operation(left.integer, kind, right.integer);
+    double a = left.is_real ? left.real : left.integer;
+    double b = right.is_real ? right.real : right.integer;
+    switch (kind) {
+    case token_plus:
+        left = {true, 0, real_addition(a, b)};
+        return 0;
+    case token_minus:
+        left = {true, 0, real_subtraction(a, b)};
+        return 0;
+    case token_multiply:
+        left = {true, 0, real_multiplication(a, b)};
+        return 0;
+    case token_divide:
+        if (int code = real_division(a, b); code != 0)
+            return code;
+        left = {true, 0, a};
+        return 0;
+    case token_power:
+        left = {true, 0, real_power(a, b)};
+        return 0;
+    case token_mod:
+        return error_type_mismatch;
+    case token_equal:
+    case token_not_equal:
+    case token_less:
+    case token_less_equal:
+    case token_greater:
+    case token_greater_equal:
+        left = {false, comparison(kind, a, b), 0.0};
+        return 0;
+    default:
+        return error_syntax;  // a real has no AND, OR, XOR or shifts
+    }
 }
 
-bool is_comparator(unsigned char kind)
+bool as_number(const c_value& value, c_number& number)
 {
-    return (kind >= token_equal && kind <= token_not_equal) || kind == token_less || kind == token_greater;
+    if (value.current == &value.integer_value)
+        number = {false, value.integer_value.value, 0.0};
+    else if (value.current == &value.real_value)
+        number = {true, 0, value.real_value.value};
+    else
+        return false;
+    return true;
+}
+
+void store(c_value& value, const c_number& number)
+{
+    if (number.is_real)
+        value.change_real(number.real);
+    else
+        value.change_integer(number.integer);
+}
+
+// Promotes the left operand toward the right one's type, then calls the operator's slot on it. Two
+// numbers go the numeric way first, which gives what the slots give without the virtual calls; when it
+// fails the slots run, so the code and the value left (promotion included) are theirs.
+int operate(c_value& value, unsigned char kind, const c_value& right_value)
+{
+    c_number left, right;
+    if (as_number(value, left) && as_number(right_value, right) && operate(left, kind, right) == 0) {
+        store(value, left);
+        return 0;
+    }
+    if (int code = c_expression::class_change(value, right_value.get_type()); code != 0)
+        return code;
+    const c_operator& slot = operator_table[kind - token_and];  // kind is a binary operator
+    if (slot.operation != nullptr)
+        return (value.current->*slot.operation)(right_value.current);
+    int result = 0;
+    if (int code = (value.current->*slot.comparison)(result, right_value.current); code != 0)
+        return code;
+    value.change_integer(result);
+    return 0;
 }
 
 // The variable whose id follows the kind byte; p ends past the id.
@@ -298,74 +274,102 @@ int function_call(c_value& value, const unsigned char*& p, c_system_resource* re
     return code;
 }
 
-// A nested expression has its own ok flag; its error is passed on through this one.
-int parenthesis(c_expression& evaluator, c_value& value, const unsigned char*& p, bool& ok)
+// True when the parenthesised list at p (or the rest of the line, when unclosed) calls no function.
+bool calls_nothing(const unsigned char* p)
 {
-    ++p;
-    if (int code = evaluator.expression(value, p); code != 0)
-        return fail_on(code, ok);
-    if (!take_token(p, token_close))
-        return fail_on(error_right_bracket, ok);
-    return 0;
+    for (int depth = 0;; p += token_size(p)) {
+        if (*p == token_function)
+            return false;
+        if (*p == token_end)
+            return true;
+        if (*p == token_open)
+            ++depth;
+        else if (*p == token_close && --depth == 0)
+            return true;
+    }
 }
 
 }  // namespace
 
 int c_expression::expression(c_value& value, const unsigned char*& p)
 {
-    bool ok = true;
-    // A lone constant or scalar variable, the commonest expression (subscripts, FOR bounds, PRINT i),
-    // gives the same through term alone as through all eight levels, in about a quarter of the time.
-    if (lone_operand(p, 0))
-        return term(value, p, ok);
-    if (is_flat(p))
-        return flat(value, p);
-    return or_op(value, p, ok);
+    const unsigned char* start = p;
+    c_number number;
+    if (number_expression(number, p)) {
+        store(value, number);
+        return 0;
+    }
+    p = start;
+    return value_expression(value, p);
 }
 
-// Two or three constants or scalar variables joined by binary operators, with nothing after them
-// ("i+1", "i*i", "isum+i mod 7"): the next commonest expressions. The levels would only pass such
-// operands down and back; here they are read, grouped by the operators' levels and operated on in the
-// order the levels use, so results, codes and the cursor after an error are the same.
-bool c_expression::is_flat(const unsigned char* p)
+int c_expression::integer_expression(int& result, const unsigned char*& p) { return read_number(result, p); }
+
+int c_expression::real_expression(double& result, const unsigned char*& p) { return read_number(result, p); }
+
+template <class number_type>
+int c_expression::read_number(number_type& result, const unsigned char*& p)
 {
-    for (int operands = 1; operands <= 3; ++operands) {
-        if (*p > token_string_variable)
-            return false;
-        p += token_size(p);
-        if (binding(*p) == 0)
-            return operands >= 2;
-        ++p;
+    constexpr bool wants_integer = std::is_same_v<number_type, int>;
+    const unsigned char* start = p;
+    c_number number;
+    if (number_expression(number, p)) {
+        if constexpr (wants_integer)
+            result = number.is_real ? real_to_integer(number.real) : number.integer;
+        else
+            result = number.is_real ? number.real : number.integer;
+        return 0;
     }
-    return false;
+    p = start;
+    c_value value;
+    int code = value_expression(value, p);
+    if (code == 0) {
+        if constexpr (wants_integer)
+            result = value.current->get_integer();
+        else
+            result = value.current->get_real();
+    }
+    return code;
 }
 
-int c_expression::flat(c_value& value, const unsigned char*& p)
+// "s = s + operand" and nothing after it appends the operand's text to s where it lies, instead of
+// copying s into a value and back; with anything after it, the evaluation goes on from s + operand.
+int c_expression::string_assignment(c_variable_string* target, const unsigned char*& p)
 {
+    if (p[0] != token_string_variable || peek_operand<variable_id>(p + 1) != target->id ||
+        p[operand_token_size] != token_plus)
+        return assign(target, p, nullptr);
+    p += operand_token_size + 1;
     bool ok = true;
-    (void)term(value, p, ok);
-    unsigned char first = *p++;
-    c_value middle;
-    (void)term(middle, p, ok);
-    if (binding(*p) == 0)
-        return operate(value, first, middle);
-    unsigned char second = *p;
-    // The second operator binds tighter (or is a second "^", which groups to the right): its
-    // operands are worked first, as the first operator's right operand.
-    if (binding(second) > binding(first) || (first == token_power && second == token_power)) {
-        ++p;
-        c_value last;
-        (void)term(last, p, ok);
-        if (int code = operate(middle, second, last); code != 0)
-            return code;
-        return operate(value, first, middle);
+    c_value right;
+    if (int code = binary(right, p, ok, level_addition + 1); !ok)
+        return code;
+    if (level_of(*p) == level_none)
+        return string_append(target->text, target->length, right.current);
+    return assign(target, p, &right);
+}
+
+// Assigns the expression at p to target; given `right`, the expression is target + right followed by
+// what is at p.
+int c_expression::assign(c_variable_string* target, const unsigned char*& p, const c_value* right)
+{
+    c_value value;
+    int code = 0;
+    if (right == nullptr) {
+        code = expression(value, p);
+    } else {
+        bool ok = true;
+        value.change_string(target->text, target->length);
+        if (code = fail_on(operate(value, token_plus, *right), ok); code == 0)
+            code = operators(value, p, ok, level_or);
     }
-    if (int code = operate(value, first, middle); code != 0)
-        return code;  // the cursor stays on the second operator, as the levels leave it
-    ++p;
-    c_value last;
-    (void)term(last, p, ok);
-    return operate(value, second, last);
+    if (code != 0)
+        return code;
+    const char* text;
+    int length;
+    value.current->get_string(text, length);
+    target->set(text, length);
+    return 0;
 }
 
 // Only upward: none to anything, integer to real or string. A real wanted as a string is 6.
@@ -388,131 +392,46 @@ int c_expression::class_change(c_value& value, int wanted)
     }
 }
 
-int c_expression::or_op(c_value& value, const unsigned char*& p, bool& ok)
+bool c_expression::number_expression(c_number& number, const unsigned char*& p)
 {
-    int code = lone_operand(p, level_or) ? term(value, p, ok) : and_op(value, p, ok);
-    if (!ok)
-        return code;
-    while (*p == token_or || *p == token_xor) {
-        unsigned char kind = *p++;
-        c_value right;
-        code = lone_operand(p, level_or) ? term(right, p, ok) : and_op(right, p, ok);
-        if (!ok)
-            return code;
-        code = fail_on(operate(value, kind, right), ok);
-        if (!ok)
-            return code;
-    }
-    return 0;
+    bool ok = true;
+    return binary(number, p, ok, level_or) == 0;
 }
 
-int c_expression::and_op(c_value& value, const unsigned char*& p, bool& ok)
+int c_expression::value_expression(c_value& value, const unsigned char*& p)
 {
-    int code = lone_operand(p, level_and) ? term(value, p, ok) : comparator(value, p, ok);
-    if (!ok)
-        return code;
-    while (*p == token_and) {
-        ++p;
-        c_value right;
-        code = lone_operand(p, level_and) ? term(right, p, ok) : comparator(right, p, ok);
-        if (!ok)
-            return code;
-        code = fail_on(operate(value, token_and, right), ok);
-        if (!ok)
-            return code;
-    }
-    return 0;
+    bool ok = true;
+    return binary(value, p, ok, level_or);
 }
 
-int c_expression::comparator(c_value& value, const unsigned char*& p, bool& ok)
-{
-    int code = lone_operand(p, level_comparator) ? term(value, p, ok) : addition(value, p, ok);
-    if (!ok)
-        return code;
-    while (is_comparator(*p)) {
-        unsigned char kind = *p++;
-        c_value right;
-        code = lone_operand(p, level_comparator) ? term(right, p, ok) : addition(right, p, ok);
-        if (!ok)
-            return code;
-        code = fail_on(operate(value, kind, right), ok);
-        if (!ok)
-            return code;
-    }
-    return 0;
-}
-
-int c_expression::addition(c_value& value, const unsigned char*& p, bool& ok)
-{
-    int code = lone_operand(p, level_addition) ? term(value, p, ok) : shift(value, p, ok);
-    if (!ok)
-        return code;
-    while (*p == token_plus || *p == token_minus) {
-        unsigned char kind = *p++;
-        c_value right;
-        code = lone_operand(p, level_addition) ? term(right, p, ok) : shift(right, p, ok);
-        if (!ok)
-            return code;
-        code = fail_on(operate(value, kind, right), ok);
-        if (!ok)
-            return code;
-    }
-    return 0;
-}
-
-int c_expression::shift(c_value& value, const unsigned char*& p, bool& ok)
-{
-    int code = lone_operand(p, level_shift) ? term(value, p, ok) : multiplication(value, p, ok);
-    if (!ok)
-        return code;
-    while (*p == token_shift_left || *p == token_shift_right) {
-        unsigned char kind = *p++;
-        c_value right;
-        code = lone_operand(p, level_shift) ? term(right, p, ok) : multiplication(right, p, ok);
-        if (!ok)
-            return code;
-        code = fail_on(operate(value, kind, right), ok);
-        if (!ok)
-            return code;
-    }
-    return 0;
-}
-
-int c_expression::multiplication(c_value& value, const unsigned char*& p, bool& ok)
-{
-    int code = lone_operand(p, level_multiplication) ? term(value, p, ok) : power(value, p, ok);
-    if (!ok)
-        return code;
-    while (*p == token_multiply || *p == token_divide || *p == token_mod) {
-        unsigned char kind = *p++;
-        c_value right;
-        code = lone_operand(p, level_multiplication) ? term(right, p, ok) : power(right, p, ok);
-        if (!ok)
-            return code;
-        code = fail_on(operate(value, kind, right), ok);
-        if (!ok)
-            return code;
-    }
-    return 0;
-}
-
-// Right to left: each right operand is a whole power of its own, so 2 ^ 3 ^ 2 is 2 ^ 9.
-int c_expression::power(c_value& value, const unsigned char*& p, bool& ok)
+// An operand and the operators of `level` or tighter after it, with their right operands.
+template <class operand>
+int c_expression::binary(operand& value, const unsigned char*& p, bool& ok, int level)
 {
     int code = term(value, p, ok);
     if (!ok)
         return code;
-    while (*p == token_power) {
+    return operators(value, p, ok, level);
+}
+
+// Takes every operator of `level` or a tighter one that follows value, each with its right operand,
+// until a token that is no such operator.
+template <class operand>
+int c_expression::operators(operand& value, const unsigned char*& p, bool& ok, int level)
+{
+    for (;;) {
+        unsigned char kind = *p;
+        int binding = level_of(kind);
+        if (binding < level)  // level_none stops every level
+            return 0;
         ++p;
-        c_value right;
-        code = power(right, p, ok);
+        operand right;  // a fresh one: an operator with no operand after it meets a none
+        int code = binary(right, p, ok, binding == level_power ? level_power : binding + 1);
         if (!ok)
             return code;
-        code = fail_on(operate(value, token_power, right), ok);
-        if (!ok)
+        if (code = fail_on(operate(value, kind, right), ok); code != 0)
             return code;
     }
-    return 0;
 }
 
 int c_expression::term(c_value& value, const unsigned char*& p, bool& ok)
@@ -551,19 +470,106 @@ int c_expression::term(c_value& value, const unsigned char*& p, bool& ok)
         return function_call(value, p, p_system_resource, ok);
     case token_not:
     case token_plus:
-    case token_minus: {
-        // They bind to the term right after them, tighter than ^, so -2 ^ 2 is 4.
-        unsigned char kind = *p++;
-        int code = term(value, p, ok);
-        if (!ok)
-            return code;
-        c_base_type* operand = value.current;
-        code = kind == token_not ? operand->not_op() : kind == token_plus ? operand->plus() : operand->minus();
-        return fail_on(code, ok);
+    case token_minus:
+        return prefix(value, p, ok);
+    case token_open: {
+        // A nested expression has its own ok flag; its error is passed on through this one.
+        ++p;
+        if (int code = expression(value, p); code != 0)
+            return fail_on(code, ok);
+        if (!take_token(p, token_close))
+            return fail_on(error_right_bracket, ok);
+        return 0;
     }
-    case token_open:
-        return parenthesis(*this, value, p, ok);
     default:
         return 0;  // no operand: nothing consumed, value unchanged
     }
+}
+
+int c_expression::term(c_number& number, const unsigned char*& p, bool& ok)
+{
+    switch (*p) {
+    case token_integer:
+        ++p;
+        number = {false, read_operand<int>(p), 0.0};
+        return 0;
+    case token_real:
+        ++p;
+        number = {true, 0, read_operand<double>(p)};
+        return 0;
+    case token_integer_variable:
+        number = {false, variable_at<c_variable_integer>(p, p_system_resource)->value, 0.0};
+        return 0;
+    case token_real_variable:
+        number = {true, 0, variable_at<c_variable_real>(p, p_system_resource)->value};
+        return 0;
+    case token_integer_array:
+    case token_real_array:
+        return fail_on(number_element(number, p), ok);
+    case token_not:
+    case token_plus:
+    case token_minus:
+        return prefix(number, p, ok);
+    case token_open: {
+        ++p;
+        bool inner_ok = true;
+        if (int code = binary(number, p, inner_ok, level_or); code != 0)
+            return fail_on(code, ok);
+        if (!take_token(p, token_close))
+            return fail_on(error_right_bracket, ok);
+        return 0;
+    }
+    default:
+        return fail_on(not_a_number, ok);  // strings, functions, a missing operand
+    }
+}
+
+// NOT, unary + and - bind to the term right after them, tighter than ^, so -2 ^ 2 is 4.
+int c_expression::prefix(c_value& value, const unsigned char*& p, bool& ok)
+{
+    unsigned char kind = *p++;
+    int code = term(value, p, ok);
+    if (!ok)
+        return code;
+    c_base_type* operand = value.current;
+    code = kind == token_not ? operand->not_op() : kind == token_plus ? operand->plus() : operand->minus();
+    return fail_on(code, ok);
+}
+
+int c_expression::prefix(c_number& number, const unsigned char*& p, bool& ok)
+{
+    unsigned char kind = *p++;
+    int code = term(number, p, ok);
+    if (!ok || kind == token_plus)
+        return code;
+    if (!number.is_real)
+        number.integer = kind == token_not ? integer_not(number.integer) : integer_minus(number.integer);
+    else if (kind == token_not)
+        return fail_on(error_syntax, ok);  // a real has no NOT
+    else
+        number.real = real_minus(number.real);
+    return 0;
+}
+
+// Only an element of a dimensioned array whose subscripts call nothing is read the numeric way, so
+// that giving up later repeats neither a call nor an allocation; its failures are left to the full
+// evaluation, which records them.
+int c_expression::number_element(c_number& number, const unsigned char*& p)
+{
+    c_system_resource* res = p_system_resource;
+    auto* array = res->p_variable_manager->get<c_variable_array>(peek_operand<variable_id>(p + 1));
+    if (!array->dimensioned() || !calls_nothing(p + operand_token_size))
+        return not_a_number;
+    unsigned char kind = *p;
+    p += operand_token_size;
+    int indices[max_dimensions];
+    int count = res->p_interpreter->dimension_check(p, indices);
+    if (count == 0)
+        return not_a_number;
+    if (kind == token_integer_array) {
+        number.is_real = false;
+        return static_cast<c_variable_integer_array*>(array)->get(count, indices, number.integer);
+    }
+    number.is_real = true;
+    return static_cast<c_variable_real_array*>(array)->get(count, indices, number.real);
 }

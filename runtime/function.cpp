@@ -27,6 +27,14 @@ int read_argument(c_value& value, const unsigned char*& p, c_system_resource* re
     return code;
 }
 
+// The same for an argument read as an integer, for callers that stop when it fails.
+int read_argument(int& number, const unsigned char*& p, c_system_resource* res)
+{
+    int code = c_expression(res).integer_expression(number, p);
+    res->error_code.raise(code);
+    return code;
+}
+
 // The value's string form, as text and byte count; a number too large for its text reads as empty.
 void read_text(c_value& value, const char*& text, int& length, c_system_resource* res)
 {
@@ -78,10 +86,10 @@ void unsigned_digits(c_value& result, unsigned number, int bits_per_digit)
 // Reads one integer and writes it in base 2 or 16; a failing argument leaves the result unchanged.
 void digits_function(int bits_per_digit, c_value& result, const unsigned char*& p, c_system_resource* res)
 {
-    c_value argument;
+    int argument = 0;
     if (read_argument(argument, p, res) != 0)
         return;
-    unsigned_digits(result, static_cast<unsigned>(argument.current->get_integer()), bits_per_digit);
+    unsigned_digits(result, static_cast<unsigned>(argument), bits_per_digit);
 }
 
 }  // namespace
@@ -239,10 +247,10 @@ void fnc_hex(c_value& result, const unsigned char*& p, c_system_resource* res)
 // The low 8 bits; 0 makes a one-byte string holding a zero byte.
 void fnc_chr(c_value& result, const unsigned char*& p, c_system_resource* res)
 {
-    c_value argument;
+    int argument = 0;
     if (read_argument(argument, p, res) != 0)
         return;
-    char byte = static_cast<char>(static_cast<unsigned char>(argument.current->get_integer() & 0xFF));
+    char byte = static_cast<char>(static_cast<unsigned char>(argument & 0xFF));
     result.change_string(&byte, 1);
 }
 

@@ -69,10 +69,35 @@ bool is_statement_end(unsigned char kind)
 // Evaluates one expression at p into value and records a failure; the evaluator's code.
 int evaluate(c_system_resource* res, c_value& value, const unsigned char*& p)
 {
-    c_expression evaluator(res);
-    int code = evaluator.expression(value, p);
+    int code = c_expression(res).expression(value, p);
     res->error_code.raise(code);
     return code;
+}
+
+// The same, the value read as get_integer or get_real reads it.
+int evaluate(c_system_resource* res, int& result, const unsigned char*& p)
+{
+    int code = c_expression(res).integer_expression(result, p);
+    res->error_code.raise(code);
+    return code;
+}
+
+int evaluate(c_system_resource* res, double& result, const unsigned char*& p)
+{
+    int code = c_expression(res).real_expression(result, p);
+    res->error_code.raise(code);
+    return code;
+}
+
+// Moves a resume point that lies on its line's end mark on into the next line, as the end mark would
+// when reached, so that a jump back to it (NEXT, RETURN, a label alone on its line) runs no end mark.
+// An immediate line, the last line and a line with no code are left to the end mark itself.
+void settle(const unsigned char*& p, c_program_line*& line)
+{
+    while (*p == token_end && line != nullptr && line->next != nullptr && line->next->code != nullptr) {
+        line = line->next;
+        p = line->code;
+    }
 }
 
 // Sends the cursor to the label's definition. A label whose line is gone (deleted, replaced, finished
@@ -86,7 +111,9 @@ void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable
         return;
     }
     p = label->line->code + label->position;
-    interpreter.program_list.current = label->line;
+    c_program_line* line = label->line;
+    settle(p, line);
+    interpreter.program_list.current = line;
 }
 
 }  // namespace
@@ -176,9 +203,8 @@ void c_interpreter::cmd_if(const unsigned char*& p)
 {
     c_system_resource* res = p_system_resource;
     ++p;
-    c_value condition;
-    (void)evaluate(res, condition, p);
-    if (res->error_code != error_none)
+    int condition = 0;
+    if (evaluate(res, condition, p) != 0 || res->error_code != error_none)
         return;
     if ((*p != token_then && *p != token_goto) || p[1] != token_label) {
         res->error_code.raise(error_syntax);
@@ -186,7 +212,7 @@ void c_interpreter::cmd_if(const unsigned char*& p)
     }
     p += 2;
     auto target = read_operand<variable_id>(p);
-    if (condition.current->get_integer() != 0) {
+    if (condition != 0) {
         jump_to_label(p, *this, target);
         return;
     }
@@ -212,22 +238,21 @@ void c_interpreter::cmd_for(const unsigned char*& p)
         res->error_code.raise(error_illegal_parameter);
         return;
     }
-    c_value limit;
+    int limit = 0;
     if (evaluate(res, limit, p) != 0)
         return;
     int step = 1;
-    if (take_token(p, token_step)) {
-        c_value step_value;
-        if (evaluate(res, step_value, p) != 0)
-            return;
-        step = step_value.current->get_integer();
-    }
+    if (take_token(p, token_step) && evaluate(res, step, p) != 0)
+        return;
     // The body runs at least once: FOR never tests its condition.
     if (for_depth >= for_stack_size) {
         res->error_code.raise(error_for_overflow);
         return;
     }
-    for_stack[for_depth++] = {counter, step, limit.current->get_integer(), program_list.current, p};
+    c_program_line* body_line = program_list.current;
+    const unsigned char* body = p;
+    settle(body, body_line);
+    for_stack[for_depth++] = {counter, step, limit, body_line, body};
 }
 
 // NEXT closes the innermost loop and takes no operand: a name after it runs as the next statement.
@@ -239,8 +264,9 @@ void c_interpreter::cmd_next(const unsigned char*& p)
         return;
     }
     const c_for_entry& entry = for_stack[for_depth - 1];
-    entry.counter->value = add_wrapping(entry.counter->value, entry.step);
-    if (loop_finished(entry.counter->value, entry.step, entry.limit)) {
+    int value = add_wrapping(entry.counter->value, entry.step);
+    entry.counter->value = value;
+    if (loop_finished(value, entry.step, entry.limit)) {
         --for_depth;
         return;
     }
@@ -258,7 +284,8 @@ void c_interpreter::cmd_gosub(const unsigned char*& p)
         return;
     }
     auto target = read_operand<variable_id>(p);
-    const c_gosub_entry resume = {program_list.current, p};
+    c_gosub_entry resume = {program_list.current, p};
+    settle(resume.resume_position, resume.resume_line);
     jump_to_label(p, *this, target);
     if (res->error_code != error_none)
         return;
@@ -291,10 +318,10 @@ c_variable_integer* c_interpreter::process_ivar(const unsigned char*& p)
         res->error_code.raise(error_syntax);
         return nullptr;
     }
-    c_value value;
+    int value = 0;
     if (evaluate(res, value, p) != 0)
         return nullptr;
-    variable->value = value.current->get_integer();
+    variable->value = value;
     return variable;
 }
 
@@ -307,10 +334,10 @@ void c_interpreter::process_rvar(const unsigned char*& p)
         res->error_code.raise(error_syntax);
         return;
     }
-    c_value value;
+    double value = 0.0;
     if (evaluate(res, value, p) != 0)
         return;
-    variable->value = value.current->get_real();
+    variable->value = value;
 }
 
 // A number assigned to a string variable gives the empty string: only a string yields text here.
@@ -323,19 +350,13 @@ void c_interpreter::process_svar(const unsigned char*& p)
         res->error_code.raise(error_syntax);
         return;
     }
-    c_value value;
-    if (evaluate(res, value, p) != 0)
-        return;
-    const char* text;
-    int length;
-    value.current->get_string(text, length);
-    variable->set(text, length);
+    res->error_code.raise(c_expression(res).string_assignment(variable, p));
 }
 
-// Reads the array, the subscripts, the "=" and the value of an element assignment; null when the
-// statement stops there (its error is already recorded).
-template <class array_type>
-array_type* c_interpreter::element_assignment(const unsigned char*& p, int* indices, int& count, c_value& value)
+// Reads the array, the subscripts, the "=" and the value of an element assignment, the value as
+// `value_type` (int, double or a c_value); null when the statement stops there (its error is recorded).
+template <class array_type, class value_type>
+array_type* c_interpreter::element_assignment(const unsigned char*& p, int* indices, int& count, value_type& value)
 {
     c_system_resource* res = p_system_resource;
     ++p;
@@ -356,18 +377,18 @@ void c_interpreter::process_iarray(const unsigned char*& p)
 {
     int indices[max_dimensions];
     int count;
-    c_value value;
+    int value = 0;
     if (auto* array = element_assignment<c_variable_integer_array>(p, indices, count, value))
-        p_system_resource->error_code.raise(array->set(count, indices, value.current->get_integer()));
+        p_system_resource->error_code.raise(array->set(count, indices, value));
 }
 
 void c_interpreter::process_rarray(const unsigned char*& p)
 {
     int indices[max_dimensions];
     int count;
-    c_value value;
+    double value = 0.0;
     if (auto* array = element_assignment<c_variable_real_array>(p, indices, count, value))
-        p_system_resource->error_code.raise(array->set(count, indices, value.current->get_real()));
+        p_system_resource->error_code.raise(array->set(count, indices, value));
 }
 
 void c_interpreter::process_sarray(const unsigned char*& p)
@@ -407,11 +428,10 @@ int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
                 return 0;
             continue;
         }
-        c_value subscript;  // fresh each time: an empty subscript reads as 0
-        (void)evaluate(res, subscript, p);
-        if (res->error_code != error_none)
+        int subscript = 0;  // an empty subscript reads as 0
+        if (evaluate(res, subscript, p) != 0 || res->error_code != error_none)
             return 0;
-        indices[count++] = subscript.current->get_integer();
+        indices[count++] = subscript;
     } while (count < max_dimensions && take_token(p, token_comma));
     if (!take_token(p, token_close)) {
         res->error_code.raise(error_syntax);

@@ -77,6 +77,6 @@ public:
     c_program_list program_list;
 
 private:
-    template <class array_type>
-    array_type* element_assignment(const unsigned char*& p, int* indices, int& count, c_value& value);
+    template <class array_type, class value_type>
+    array_type* element_assignment(const unsigned char*& p, int* indices, int& count, value_type& value);
 };

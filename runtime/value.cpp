@@ -3,12 +3,11 @@
 // succeeds, so an error always leaves the operand as it was.
 #include "runtime/value.h"
 
-#include <climits>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
 
 #include "engine/error.h"
+#include "runtime/arithmetic.h"
 
 namespace {
 
@@ -48,10 +47,6 @@ int format_real(double v, char* out, int& length)
     length = needed;
     return 0;
 }
-
-int wrap(unsigned v) { return static_cast<int>(v); }  // modulo 2^32, defined since C++20
-
-int truth(bool condition) { return condition ? -1 : 0; }
 
 }  // namespace
 
@@ -108,7 +103,7 @@ int c_integer_type::convert_to_string(char* buffer, int& length) const
 
 int c_integer_type::minus()
 {
-    value = wrap(0u - static_cast<unsigned>(value));
+    value = integer_minus(value);
     return 0;
 }
 
@@ -116,155 +111,107 @@ int c_integer_type::plus() { return 0; }
 
 int c_integer_type::not_op()
 {
-    value = ~value;
+    value = integer_not(value);
     return 0;
 }
 
 int c_integer_type::addition(const c_base_type* right)
 {
-    value = wrap(static_cast<unsigned>(value) + static_cast<unsigned>(right->get_integer()));
+    value = integer_addition(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::subtraction(const c_base_type* right)
 {
-    value = wrap(static_cast<unsigned>(value) - static_cast<unsigned>(right->get_integer()));
+    value = integer_subtraction(value, right->get_integer());
     return 0;
 }
 
-// A count above 31 gives 0; otherwise its low eight bits count, so -1 shifts by 255 (giving 0 too).
 int c_integer_type::lshift(const c_base_type* right)
 {
-    int count = right->get_integer();
-    unsigned bits = static_cast<unsigned>(count) & 0xFFu;
-    value = count > 31 || bits > 31 ? 0 : wrap(static_cast<unsigned>(value) << bits);
+    value = integer_lshift(value, right->get_integer());
     return 0;
 }
 
-// As lshift, with the sign fill (0 or -1) in place of 0.
 int c_integer_type::rshift(const c_base_type* right)
 {
-    int count = right->get_integer();
-    unsigned bits = static_cast<unsigned>(count) & 0xFFu;
-    value = count > 31 || bits > 31 ? (value < 0 ? -1 : 0) : value >> bits;
+    value = integer_rshift(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::multiplication(const c_base_type* right)
 {
-    value = wrap(static_cast<unsigned>(value) * static_cast<unsigned>(right->get_integer()));
+    value = integer_multiplication(value, right->get_integer());
     return 0;
 }
 
-// Truncates toward zero; INT_MIN / -1 wraps to INT_MIN. On 5 the left operand is unchanged.
-int c_integer_type::division(const c_base_type* right)
-{
-    int divisor = right->get_integer();
-    if (divisor == 0)
-        return error_division_by_zero;
-    if (divisor == -1)
-        return minus();
-    value /= divisor;
-    return 0;
-}
+int c_integer_type::division(const c_base_type* right) { return integer_division(value, right->get_integer()); }
 
-// b < 0 gives 0 and b = 0 gives 1 (0 ^ 0 too); otherwise square-and-multiply, wrapping like repeated *.
 int c_integer_type::power(const c_base_type* right)
 {
-    int exponent = right->get_integer();
-    if (exponent < 0) {
-        value = 0;
-        return 0;
-    }
-    unsigned base = static_cast<unsigned>(value);
-    unsigned result = 1;
-    for (unsigned bits = static_cast<unsigned>(exponent); bits != 0; bits >>= 1) {
-        if (bits & 1u)
-            result *= base;
-        base *= base;
-    }
-    value = wrap(result);
+    value = integer_power(value, right->get_integer());
     return 0;
 }
 
-// The sign of the left operand; x MOD -1 is 0 (INT_MIN % -1 would trap). On 5 the operand is unchanged.
-int c_integer_type::remainder(const c_base_type* right)
-{
-    int divisor = right->get_integer();
-    if (divisor == 0)
-        return error_division_by_zero;
-    value = divisor == -1 ? 0 : value % divisor;
-    return 0;
-}
+int c_integer_type::remainder(const c_base_type* right) { return integer_remainder(value, right->get_integer()); }
 
 int c_integer_type::and_op(const c_base_type* right)
 {
-    value &= right->get_integer();
+    value = integer_and_op(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::or_op(const c_base_type* right)
 {
-    value |= right->get_integer();
+    value = integer_or_op(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::xor_op(const c_base_type* right)
 {
-    value ^= right->get_integer();
+    value = integer_xor_op(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::equ(int& result, const c_base_type* right) const
 {
-    result = truth(value == right->get_integer());
+    result = compare_equ(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::not_equ(int& result, const c_base_type* right) const
 {
-    result = truth(value != right->get_integer());
+    result = compare_not_equ(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::gt(int& result, const c_base_type* right) const
 {
-    result = truth(value > right->get_integer());
+    result = compare_gt(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::gt_equ(int& result, const c_base_type* right) const
 {
-    result = truth(value >= right->get_integer());
+    result = compare_gt_equ(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::lt(int& result, const c_base_type* right) const
 {
-    result = truth(value < right->get_integer());
+    result = compare_lt(value, right->get_integer());
     return 0;
 }
 
 int c_integer_type::lt_equ(int& result, const c_base_type* right) const
 {
-    result = truth(value <= right->get_integer());
+    result = compare_lt_equ(value, right->get_integer());
     return 0;
 }
 
 // ---- real: the right operand is read through get_real ----
 
-// Truncates toward zero. Outside the int range the result saturates (INT_MIN or INT_MAX) and a NaN
-// reads as 0: converting such a double to int directly would be undefined.
-int c_real_type::get_integer() const
-{
-    if (std::isnan(value))
-        return 0;
-    if (value >= 2147483648.0)
-        return INT_MAX;
-    if (value <= -2147483649.0)
-        return INT_MIN;
-    return static_cast<int>(value);
-}
+int c_real_type::get_integer() const { return real_to_integer(value); }
 
 double c_real_type::get_real() const { return value; }
 
@@ -275,7 +222,7 @@ int c_real_type::convert_to_string(char* buffer, int& length) const
 
 int c_real_type::minus()
 {
-    value = -value;
+    value = real_minus(value);
     return 0;
 }
 
@@ -283,74 +230,65 @@ int c_real_type::plus() { return 0; }
 
 int c_real_type::addition(const c_base_type* right)
 {
-    value += right->get_real();
+    value = real_addition(value, right->get_real());
     return 0;
 }
 
 int c_real_type::subtraction(const c_base_type* right)
 {
-    value -= right->get_real();
+    value = real_subtraction(value, right->get_real());
     return 0;
 }
 
 int c_real_type::multiplication(const c_base_type* right)
 {
-    value *= right->get_real();
+    value = real_multiplication(value, right->get_real());
     return 0;
 }
 
-// 0.0 and -0.0 both compare equal to 0.0, so both give 5.
-int c_real_type::division(const c_base_type* right)
-{
-    double divisor = right->get_real();
-    if (divisor == 0.0)
-        return error_division_by_zero;
-    value /= divisor;
-    return 0;
-}
+int c_real_type::division(const c_base_type* right) { return real_division(value, right->get_real()); }
 
 int c_real_type::power(const c_base_type* right)
 {
-    value = std::pow(value, right->get_real());
+    value = real_power(value, right->get_real());
     return 0;
 }
 
 int c_real_type::remainder(const c_base_type*) { return error_type_mismatch; }
 
-// IEEE ordering: a NaN is unequal to everything, so only not_equ is true for it.
 int c_real_type::equ(int& result, const c_base_type* right) const
 {
-    result = truth(value == right->get_real());
+    result = compare_equ(value, right->get_real());
     return 0;
 }
 
 int c_real_type::not_equ(int& result, const c_base_type* right) const
 {
-    result = truth(!(value == right->get_real()));
+    result = compare_not_equ(value, right->get_real());
     return 0;
 }
 
 int c_real_type::gt(int& result, const c_base_type* right) const
 {
-    result = truth(value > right->get_real());
+    result = compare_gt(value, right->get_real());
     return 0;
 }
 
 int c_real_type::gt_equ(int& result, const c_base_type* right) const
 {
-    result = truth(value >= right->get_real());
+    result = compare_gt_equ(value, right->get_real());
     return 0;
 }
 
 int c_real_type::lt(int& result, const c_base_type* right) const
 {
-    result = truth(value < right->get_real());
+    result = compare_lt(value, right->get_real());
     return 0;
 }
 
 int c_real_type::lt_equ(int& result, const c_base_type* right) const
 {
-    result = truth(value <= right->get_real());
+    result = compare_lt_equ(value, right->get_real());
     return 0;
 }
 
@@ -375,9 +313,24 @@ int c_string_type::convert_to_string(char* buffer, int& result_length) const
     return 0;
 }
 
-// Appends the right operand's text: a string's own, a real's "%f", otherwise the "%d" of get_integer
-// (so a none appends "0"). More than 256 bytes in all gives 8 and leaves the left operand unchanged.
-int c_string_type::addition(const c_base_type* right)
+int c_string_type::addition(const c_base_type* right) { return string_append(text, length, right); }
+
+// ---- c_value ----
+
+int c_value::convert_to_string()
+{
+    if (current == &string_value)
+        return 0;
+    // The string object is stale while another type is current, so the text is made in place.
+    int length = 0;
+    if (int code = current->convert_to_string(string_value.text, length); code != 0)
+        return code;
+    string_value.length = length;
+    current = &string_value;
+    return 0;
+}
+
+int string_append(char* text, int& length, const c_base_type* right)
 {
     char number[string_capacity];
     const char* tail = number;
@@ -398,20 +351,5 @@ int c_string_type::addition(const c_base_type* right)
         return error_string_space;
     std::memcpy(text + length, tail, static_cast<std::size_t>(tail_length));
     length += tail_length;
-    return 0;
-}
-
-// ---- c_value ----
-
-int c_value::convert_to_string()
-{
-    if (current == &string_value)
-        return 0;
-    // The string object is stale while another type is current, so the text is made in place.
-    int length = 0;
-    if (int code = current->convert_to_string(string_value.text, length); code != 0)
-        return code;
-    string_value.length = length;
-    current = &string_value;
     return 0;
 }

@@ -121,6 +121,11 @@ public:
     int length = 0;
 };
 
+// String concatenation, the one definition that the string type and an in-place append share: appends
+// the right operand's text (a string's own, a real's "%f", otherwise the "%d" of get_integer, so a none
+// appends "0") to the `length` bytes at `text`. More than 256 bytes in all gives 8 and changes nothing.
+[[nodiscard]] int string_append(char* text, int& length, const c_base_type* right);
+
 class c_value {
 public:
     // User-provided, so that even `c_value v{};` leaves the 256 text bytes unwritten.

@@ -70,7 +70,7 @@ TEST(immediate_line, ending_in_the_grids_last_cell_runs_with_its_output_scrolled
     test_console console;
     const std::string line = "print 5" + std::string(73, ' ');
     for (int x = 0; x < 80; ++x)
-        console.engine.text_layer.at(x, 29) = console.engine.text_editor.text_color | static_cast<unsigned char>(line[x]);
+        console.engine.text_layer.put(x, 29, console.engine.text_editor.text_color | static_cast<unsigned char>(line[x]));
     console.engine.text_editor.locate(0, 29);
     console.key(key_enter);
     EXPECT_EQ(console.row(26), "print 5");

@@ -1,6 +1,8 @@
 // The statement loop as a session sees it: numbered lines stored, a line entered, the rows below it read.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "support/value_check.h"
 
 namespace {
@@ -126,6 +128,32 @@ TEST(statements, assignments_store_converted_values_in_distinct_variables)
         // Dimensioned first: an automatic dimensioning would give 11 to the power 8 elements.
         {"dim ia(1,1,1,1,1,1,1,1): ia(1,1,1,1,1,1,1,1)=3: print ia(1,1,1,1,1,1,1,1)", "3\nOk\n"},
         {"$a print 1", "1\nOk\n"},
+    });
+}
+
+TEST(statements, a_string_assigned_to_itself_plus_more_appends_or_fails_leaving_it_unchanged)
+{
+    // Line 10 holds s, so that it outlives the immediate line that fails.
+    const std::string fill = "10 print len(s)\ns=\"\": for i=1 to 200: s=s+\"x\": next: s=s+\"";
+    const std::string fits = fill + std::string(56, 'y') + "\"\nrun";
+    const std::string overflows = fill + std::string(57, 'y') + "\"\nrun";
+    expect_outputs({
+        {"s=\"ab\": s=s+\"c\"+1: s=s+2.5: s=s+: print s", "abc12.5000000\nOk\n"},  // none appends 0
+        {"s=\"a\": s=s+s+s: s=s+(s+\"b\"): print s", "aaaaaab\nOk\n"},
+        {"10 print s\ns=\"a\": s=s+\"b\"=\"c\"\nrun", "a\nOk\n"},  // strings have no comparisons
+        {"10 print s\ns=\"a\": s=s+1/0\nrun", "a\nOk\n"},
+        {fits.c_str(), "256\nOk\n"}, {overflows.c_str(), "200\nOk\n"},
+        {"s=\"a\": sb=\"b\": s=sb+s: print s", "ba\nOk\n"},
+    });
+}
+
+TEST(statements, jumps_back_to_a_line_end_go_on_at_the_next_line)
+{
+    expect_outputs({
+        {"10 for i=1 to 2\n20 ' body\n30 print i\n40 next\nrun", "1\n2\nOk\n"},
+        {"10 gosub $a\n20 print \"back\": end\n30 $a\n40 print \"a\": return\nrun", "a\nback\nOk\n"},
+        {"10 print \"x\": gosub $a\n20 $a\nrun", "x\nOk\n"},  // a label on the last line
+        {"10 i=0\n20 for i=1 to 3\nrun\nprint i", "1\nOk\n"},  // a FOR on the last line
     });
 }
 

@@ -1,0 +1,380 @@
+// The evaluator against a plain reference: random expressions (operands of every type, every operator,
+// unary operators, nesting, unclosed parentheses and missing operands) are evaluated by both, which must
+// agree on the code, on the cursor and on the value reached, its type and its bits.
+#include "runtime/expression.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "engine/error.h"
+#include "engine/system_resource.h"
+#include "language/parser.h"
+#include "runtime/interpreter.h"
+#include "runtime/variable.h"
+
+namespace {
+
+struct ref_value {
+    int type = type_none;
+    int integer = 0;
+    double real = 0.0;
+    std::string text;
+};
+
+ref_value make_integer(int v) { return {type_integer, v, 0.0, ""}; }
+ref_value make_real(double v) { return {type_real, 0, v, ""}; }
+ref_value make_string(std::string t) { return {type_string, 0, 0.0, std::move(t)}; }
+
+const int array_values[] = {5, -3, 0, 2147483647, -2147483647 - 1, 1, 31, 32, -1, 7, 100};
+const std::string long_text(200, 'x');
+
+// The operands the generator writes, and the values the reference gives them.
+struct operand_case {
+    const char* source;
+    ref_value value;
+};
+const operand_case operands[] = {
+    {"0", make_integer(0)},        {"1", make_integer(1)},         {"7", make_integer(7)},
+    {"2", make_integer(2)},        {"31", make_integer(31)},       {"32", make_integer(32)},
+    {"2147483647", make_integer(INT_MAX)}, {"65536", make_integer(65536)}, {"0.0", make_real(0.0)},
+    {"2.5", make_real(2.5)},       {"0.125", make_real(0.125)},    {"1000000.0", make_real(1e6)},
+    {"iv", make_integer(-9)},      {"rv", make_real(-1.75)},       {"ia(3)", make_integer(INT_MAX)},
+    {"ia(4)", make_integer(INT_MIN)},
+    // The rest are drawn a quarter as often: most of what they meet is a syntax error.
+    {"\"ab\"", make_string("ab")}, {"\"\"", make_string("")},     {"sv", make_string("s")},
+    {"sl", make_string(long_text)}, {"()", ref_value{}},
+};
+constexpr int number_count = 16;
+
+// Binary operators by level, loosest first; power (level 7) groups to the right.
+struct operator_case {
+    const char* source;
+    int level;
+};
+const operator_case binary_operators[] = {
+    {"or", 1}, {"xor", 1}, {"and", 2}, {"=", 3}, {"<>", 3}, {"<", 3},   {">", 3},   {"<=", 3}, {">=", 3},
+    {"+", 4},  {"-", 4},   {"<<", 5},  {">>", 5}, {"*", 6}, {"/", 6},   {"mod", 6}, {"^", 7},
+};
+
+// ---- the reference: the language's rules written out plainly, on 64-bit and std::string ----
+
+int wrap(long long v) { return static_cast<int>(static_cast<unsigned>(static_cast<unsigned long long>(v))); }
+
+int to_integer(const ref_value& v)
+{
+    if (v.type == type_integer)
+        return v.integer;
+    if (v.type != type_real || std::isnan(v.real))
+        return 0;
+    return v.real >= 2147483648.0 ? INT_MAX : v.real <= -2147483649.0 ? INT_MIN : static_cast<int>(v.real);
+}
+
+double to_real(const ref_value& v) { return v.type == type_integer ? v.integer : v.type == type_real ? v.real : 0.0; }
+
+int text_of(const ref_value& v, std::string& out)
+{
+    char buffer[400];
+    if (v.type == type_real) {
+        int n = std::snprintf(buffer, sizeof buffer, "%f", v.real);
+        if (n > string_capacity)
+            return error_string_space;
+        out = buffer;
+    } else if (v.type == type_string) {
+        out = v.text;
+    } else {
+        out = std::to_string(to_integer(v));
+    }
+    return 0;
+}
+
+int promote(ref_value& left, int wanted)
+{
+    if (wanted <= left.type)
+        return 0;
+    if (wanted == type_integer)
+        left = make_integer(0);
+    else if (wanted == type_real)
+        left = make_real(to_real(left));
+    else if (left.type == type_real)
+        return error_type_mismatch;
+    else
+        left = make_string(left.type == type_none ? "" : std::to_string(left.integer));
+    return 0;
+}
+
+// b factors a, each product wrapped; past 1000 factors by squaring, which wraps the same way.
+long long power(long long a, long long b)
+{
+    if (b < 0)
+        return 0;
+    unsigned result = 1;
+    if (b <= 1000) {
+        for (long long i = 0; i < b; ++i)
+            result *= static_cast<unsigned>(a);
+        return static_cast<int>(result);
+    }
+    for (unsigned base = static_cast<unsigned>(a), e = static_cast<unsigned>(b); e != 0; e >>= 1, base *= base)
+        if (e & 1u)
+            result *= base;
+    return static_cast<int>(result);
+}
+
+int integer_operation(const std::string& op, long long a, long long b, int& result)
+{
+    if ((op == "/" || op == "mod") && b == 0)
+        return error_division_by_zero;
+    long long r = 0;
+    if (op == "+") r = a + b;
+    else if (op == "-") r = a - b;
+    else if (op == "*") r = a * b;
+    else if (op == "/") r = a / b;
+    else if (op == "mod") r = a % b;
+    else if (op == "and") r = a & b;
+    else if (op == "or") r = a | b;
+    else if (op == "xor") r = a ^ b;
+    else if (op == "<<") r = (b > 31 || (b & 0xFF) > 31) ? 0 : a << (b & 0xFF);
+    else if (op == ">>") r = (b > 31 || (b & 0xFF) > 31) ? (a < 0 ? -1 : 0) : a >> (b & 0xFF);
+    else if (op == "^")
+        r = power(a, b);
+    result = wrap(r);
+    return 0;
+}
+
+int real_operation(const std::string& op, double a, double b, double& result)
+{
+    if (op == "+") result = a + b;
+    else if (op == "-") result = a - b;
+    else if (op == "*") result = a * b;
+    else if (op == "/") { if (b == 0.0) return error_division_by_zero; result = a / b; }
+    else if (op == "^") result = std::pow(a, b);
+    else if (op == "mod") return error_type_mismatch;
+    else return error_syntax;
+    return 0;
+}
+
+int compare(const std::string& op, double a, double b)
+{
+    bool r = op == "=" ? a == b : op == "<>" ? !(a == b) : op == "<" ? a < b : op == ">" ? a > b : op == "<=" ? a <= b : a >= b;
+    return r ? -1 : 0;
+}
+
+bool is_comparison(const std::string& op) { return op == "=" || op == "<>" || op == "<" || op == ">" || op == "<=" || op == ">="; }
+
+// One operator on left (already promoted); on an error left is unchanged.
+int apply(ref_value& left, const std::string& op, const ref_value& right)
+{
+    if (int code = promote(left, right.type); code != 0)
+        return code;
+    if (left.type == type_none || (left.type == type_string && op != "+"))
+        return error_syntax;
+    if (left.type == type_string) {
+        std::string tail;
+        if (int code = text_of(right, tail); code != 0)
+            return code;
+        if (left.text.size() + tail.size() > string_capacity)
+            return error_string_space;
+        left.text += tail;
+        return 0;
+    }
+    if (is_comparison(op)) {
+        int truth = left.type == type_integer ? compare(op, left.integer, to_integer(right)) : compare(op, left.real, to_real(right));
+        left = make_integer(truth);
+        return 0;
+    }
+    if (left.type == type_integer)
+        return integer_operation(op, left.integer, to_integer(right), left.integer);
+    return real_operation(op, left.real, to_real(right), left.real);
+}
+
+// Tokens as the generator wrote them; the reference evaluates the same list by the levels.
+class reference {
+public:
+    explicit reference(const std::vector<std::string>& list) : tokens(list) {}
+
+    int expression(ref_value& v) { return level(v, 1); }
+    std::size_t position = 0;
+
+private:
+    std::string peek() const { return position < tokens.size() ? tokens[position] : ""; }
+
+    int level_of(const std::string& token) const
+    {
+        for (const auto& op : binary_operators)
+            if (token == op.source)
+                return op.level;
+        return 0;
+    }
+
+    int level(ref_value& v, int n)
+    {
+        if (n == 8)
+            return term(v);
+        if (int code = level(v, n == 7 ? 8 : n + 1); code != 0)
+            return code;
+        while (level_of(peek()) == n) {
+            std::string op = tokens[position++];
+            ref_value right;
+            if (int code = level(right, n == 7 ? 7 : n + 1); code != 0)
+                return code;
+            if (int code = apply(v, op, right); code != 0)
+                return code;
+            if (n == 7)
+                break;
+        }
+        return 0;
+    }
+
+    int term(ref_value& v)
+    {
+        std::string token = peek();
+        if (token == "-" || token == "+" || token == "not") {
+            ++position;
+            if (int code = term(v); code != 0)
+                return code;
+            bool number = v.type == type_integer || v.type == type_real;
+            if (!number || (token == "not" && v.type == type_real))
+                return error_syntax;
+            if (token == "not")
+                v.integer = ~v.integer;
+            else if (token == "-" && v.type == type_integer)
+                v.integer = wrap(-static_cast<long long>(v.integer));
+            else if (token == "-")
+                v.real = -v.real;
+            return 0;
+        }
+        if (token == "(") {
+            ++position;
+            ref_value inner = v;
+            if (int code = level(inner, 1); code != 0) {
+                v = inner;
+                return code;
+            }
+            v = inner;
+            if (peek() != ")")
+                return error_right_bracket;
+            ++position;
+            return 0;
+        }
+        for (const auto& operand : operands)
+            if (token == operand.source) {
+                ++position;
+                if (token != "()")
+                    v = operand.value;
+                return 0;
+            }
+        return 0;  // no operand: nothing taken, v unchanged
+    }
+
+    const std::vector<std::string>& tokens;
+};
+
+// ---- the generator ----
+
+void generate(std::mt19937& random, int depth, std::vector<std::string>& out)
+{
+    auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    auto operand = [&] {
+        int unary = pick(8);
+        if (unary < 3)
+            out.push_back(unary == 0 ? "-" : unary == 1 ? "+" : "not");
+        if (depth > 0 && pick(4) == 0) {
+            out.push_back("(");
+            generate(random, depth - 1, out);
+            out.push_back(")");
+        } else {
+            out.push_back(operands[pick(pick(4) == 0 ? std::size(operands) : number_count)].source);
+        }
+    };
+    operand();
+    for (int count = pick(4); count > 0; --count) {
+        out.push_back(binary_operators[pick(std::size(binary_operators))].source);
+        operand();
+    }
+}
+
+bool same(const c_value& value, const ref_value& expected)
+{
+    if (value.get_type() != expected.type)
+        return false;
+    const c_base_type* current = value.current;
+    if (expected.type == type_integer)
+        return current->get_integer() == expected.integer;
+    if (expected.type == type_real) {
+        double got = current->get_real();
+        return (std::isnan(got) && std::isnan(expected.real)) || std::memcmp(&got, &expected.real, sizeof got) == 0;
+    }
+    const char* text = nullptr;
+    int length = 0;
+    current->get_string(text, length);
+    return std::string(text, static_cast<std::size_t>(length)) == expected.text;
+}
+
+}  // namespace
+
+TEST(evaluator_differential, agrees_with_the_reference_on_random_expressions)
+{
+    c_system_resource resource;
+    c_variable_manager variables;
+    c_interpreter interpreter;
+    resource.p_variable_manager = &variables;
+    resource.p_interpreter = &interpreter;
+    interpreter.p_system_resource = &resource;
+    c_parser holder(&resource);  // keeps the variables alive with their values
+    ASSERT_EQ(holder.precompile("iv rv sv sl ia(0)", nullptr), 0);
+    auto find = [&](c_variable& list, const char* name) { return variables.search(list.next, name); };
+    static_cast<c_variable_integer*>(find(variables.variable_list, "iv"))->value = -9;
+    static_cast<c_variable_real*>(find(variables.variable_list, "rv"))->value = -1.75;
+    static_cast<c_variable_string*>(find(variables.variable_list, "sv"))->set("s", 1);
+    static_cast<c_variable_string*>(find(variables.variable_list, "sl"))->set(long_text.data(), 200);
+    auto* array = static_cast<c_variable_integer_array*>(find(variables.array_list, "ia"));
+    const int bound = 10;
+    ASSERT_EQ(array->dim(1, &bound), 0);
+    for (int index = 0; index <= bound; ++index)
+        ASSERT_EQ(array->set(1, &index, array_values[index]), 0);
+
+    std::mt19937 random(13);
+    int failures = 0;
+    for (int trial = 0; trial < 20000 && failures < 10; ++trial) {
+        std::vector<std::string> tokens;
+        generate(random, 3, tokens);
+        if (random() % 16 == 0 && tokens.back() == ")")
+            tokens.pop_back();  // an unclosed parenthesis
+        if (random() % 16 == 0)
+            tokens.push_back(binary_operators[random() % std::size(binary_operators)].source);
+        std::string source;
+        for (const auto& token : tokens)
+            source += token + " ";
+
+        ref_value expected;
+        reference evaluator(tokens);
+        int expected_code = evaluator.expression(expected);
+
+        c_parser parser(&resource);
+        ASSERT_EQ(parser.precompile(source.c_str(), nullptr), 0) << source;
+        const unsigned char* p = parser.code;
+        c_value value;
+        resource.error_code = 0;
+        int code = c_expression(&resource).expression(value, p);
+        // Where the cursor stopped, counted in tokens of the source.
+        std::size_t taken = 0;
+        for (const unsigned char* q = parser.code; q < p; q += token_size(q))
+            ++taken;
+        std::size_t expected_taken = evaluator.position;
+        for (std::size_t index = 0; index < evaluator.position; ++index)  // ia(3) is 4 code tokens, () 2
+            expected_taken += tokens[index] == "()" ? 1 : tokens[index].rfind("ia(", 0) == 0 ? 3 : 0;
+        bool agree = code == expected_code && same(value, expected) && (code != 0 || taken == expected_taken);
+        EXPECT_TRUE(agree) << source << "\n  code " << code << " expected " << expected_code << ", type "
+                           << value.get_type() << " expected " << expected.type << ", tokens " << taken
+                           << " expected " << expected_taken;
+        failures += agree ? 0 : 1;
+        parser.variable_release();
+    }
+    holder.variable_release();
+}
