@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <filesystem>
-#include <random>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "engine/allocation.h"
+#include "support/scratch_directory.h"
 #include "support/test_console.h"
 
 namespace {
@@ -38,13 +38,6 @@ std::vector<std::string> session_steps(const std::string& directory)
     };
 }
 
-void type_line(c_vexil& engine, const std::string& line)
-{
-    for (unsigned char c : line)
-        engine.text_editor.key(c);
-    engine.text_editor.key(13);
-}
-
 // Step 0 is the start (the planes and the banner), step 1 the start-up program, step k the line typed.
 struct c_session_run {
     bool started = false;
@@ -60,11 +53,7 @@ c_session_run run_session(
     {
         c_recording_host host;
         c_vexil engine;
-        engine.screen_width = 640;
-        engine.screen_height = 480;
-        engine.line_step = 960;
-        host.p_engine = &engine;
-        result.started = engine.initialize(&host);
+        result.started = start_engine(engine, host);
         result.outputs.push_back(host.text);
         result.calls.push_back(allocation_calls());
         for (std::size_t index = 0; result.started && index < steps.size(); ++index) {
@@ -72,7 +61,8 @@ c_session_run run_session(
             if (index == 0)
                 engine.run(program.c_str());  // returns once no key is waiting
             else
-                type_line(engine, steps[index]);
+                for (unsigned char c : steps[index] + "\r")
+                    engine.text_editor.key(c);
             result.outputs.push_back(host.text);
             result.calls.push_back(allocation_calls());
         }
@@ -80,15 +70,6 @@ c_session_run run_session(
     allocation_fail_at(0);
     return result;
 }
-
-class allocation_failure : public ::testing::Test {
-protected:
-    void SetUp() override { std::filesystem::create_directories(directory); }
-    void TearDown() override { std::filesystem::remove_all(directory); }
-
-    std::filesystem::path directory =
-        std::filesystem::temp_directory_path() / ("vexil_allocation_" + std::to_string(std::random_device{}()));
-};
 
 // The step during which the call was made.
 std::size_t step_of(const c_session_run& clean, long long call)
@@ -119,14 +100,12 @@ TEST(allocation_plan, fails_the_named_call_alone_or_with_every_later_one)
     EXPECT_EQ(allocate_array<unsigned char>(std::size_t{1} << 45), nullptr);
 }
 
-TEST_F(allocation_failure, every_failing_allocation_of_a_session_is_reported_at_its_step)
+TEST(allocation_failure, every_failing_allocation_of_a_session_is_reported_at_its_step)
 {
-    const std::vector<std::string> steps = session_steps(directory.string());
-    const std::string program = (directory / "start.bas").string();
-    std::FILE* file = std::fopen(program.c_str(), "wb");
-    ASSERT_NE(file, nullptr);
-    std::fputs(start_up_program, file);
-    std::fclose(file);
+    c_scratch_directory scratch;
+    const std::vector<std::string> steps = session_steps(scratch.folder.string());
+    const std::string program = scratch.path("start.bas");
+    std::ofstream(program, std::ios::binary) << start_up_program;
     const c_session_run clean = run_session(steps, program, 0, false);
     ASSERT_TRUE(clean.started);
     const long long total = clean.calls.back();

@@ -1,28 +1,16 @@
 // The engine as a host sees it: banner, start-up run of a named program, the key loop, break and geometry.
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
 
 #include "engine/error.h"
+#include "support/scratch_directory.h"
 #include "support/test_console.h"
 
 namespace {
-
-// A program file in the temporary folder, removed with the object; no file for an empty text.
-struct program_file {
-    program_file(const std::string& file_name, const std::string& text) : path(testing::TempDir() + file_name)
-    {
-        if (std::FILE* file = text.empty() ? nullptr : std::fopen(path.c_str(), "wb")) {
-            std::fputs(text.c_str(), file);
-            std::fclose(file);
-        }
-    }
-    ~program_file() { std::remove(path.c_str()); }
-    std::string path;
-};
 
 // A program started by name into a cleared console, and the screen it leaves.
 struct start_case {
@@ -75,11 +63,13 @@ TEST(engine_start, prints_the_banner_and_ok_on_a_grid_of_whole_cells_and_waits_b
 TEST(engine_start, runs_a_named_program_and_reports_its_error_with_the_line_number)
 {
     for (const start_case& c : start_cases) {
-        program_file file(c.file_name, c.program);
+        c_scratch_directory scratch;
+        if (!c.program.empty())
+            std::ofstream(scratch.path(c.file_name), std::ios::binary) << c.program;
         test_console console;
         std::string argument = c.argument;
         if (std::size_t at = argument.find('@'); at != std::string::npos)
-            argument.replace(at, 1, file.path);
+            argument.replace(at, 1, scratch.path(c.file_name));
         console.start(argument.c_str());
         EXPECT_EQ(console.screen(), c.screen) << c.file_name;
         EXPECT_EQ(console.cursor_y(), c.cursor_y) << c.file_name;
@@ -135,8 +125,9 @@ TEST(break_key, during_a_program_stops_it_with_break_and_the_line_number)
     breaking_host host;
     host.p_engine = &console.engine;
     console.resource()->p_callback = &host;
-    program_file file("loop.bas", "$top print 1\r\ngoto $top\r\n");
-    console.start(file.path.c_str());
+    c_scratch_directory scratch;
+    std::ofstream(scratch.path("loop.bas"), std::ios::binary) << "$top print 1\r\ngoto $top\r\n";
+    console.start(scratch.path("loop.bas").c_str());
     EXPECT_EQ(host.last_error, error_break);
     EXPECT_NE(console.screen().find("\nBreak at 100.\nOk\n"), std::string::npos);
 }

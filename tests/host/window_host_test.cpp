@@ -10,12 +10,11 @@
 #include <functional>
 #include <string>
 
-#include <unistd.h>
-
 #include "host/interrupt_handler.h"
 #include "host/png_reader.h"
 #include "host/screen_capture.h"
 #include "host/window_host.h"
+#include "support/scratch_directory.h"
 #include "support/test_console.h"
 
 namespace {
@@ -27,11 +26,7 @@ constexpr int step_limit = 1000;  // about 16 s of frames: only a broken host wa
 struct c_reference {
     explicit c_reference(const std::string& typed)
     {
-        engine.screen_width = 640;
-        engine.screen_height = 480;
-        engine.line_step = 480 * 2;
-        host.p_engine = &engine;
-        engine.initialize(&host);
+        start_engine(engine, host);
         for (unsigned char c : typed)
             engine.text_editor.key(c == '\n' ? 13 : c);
     }
@@ -39,56 +34,27 @@ struct c_reference {
     c_vexil engine;
 };
 
-// A key pressed, a character typed or the close button clicked, by the event's type.
-void push(SDL_EventType type, SDL_Keycode key = 0, unsigned modifiers = 0, char typed = 0)
+// A key pressed, or the close button clicked; or text as an input method hands it over, several
+// characters (in UTF-8) in one event.
+void push(SDL_EventType type, SDL_Keycode key = 0, unsigned modifiers = 0, const std::string& text = "")
 {
     SDL_Event event = {};
     event.type = type;
     event.key.keysym.sym = key;
     event.key.keysym.mod = static_cast<Uint16>(modifiers);
     if (type == SDL_TEXTINPUT)
-        event.text.text[0] = typed;
+        SDL_strlcpy(event.text.text, text.c_str(), sizeof event.text.text);
     if (type == SDL_WINDOWEVENT)
         event.window.event = SDL_WINDOWEVENT_CLOSE;
     ASSERT_EQ(SDL_PushEvent(&event), 1);
 }
-
-// Text as an input method hands it over, several characters (in UTF-8) in one event.
-void push_text(const char* text)
-{
-    SDL_Event event = {};
-    event.type = SDL_TEXTINPUT;
-    SDL_strlcpy(event.text.text, text, sizeof event.text.text);
-    ASSERT_EQ(SDL_PushEvent(&event), 1);
-}
+void push_text(const std::string& text) { push(SDL_TEXTINPUT, 0, 0, text); }
 
 // Types lines the way the keyboard does: each character as text, each line end as Enter.
 void type_lines(const std::string& lines)
 {
     for (char c : lines)
-        c == '\n' ? push(SDL_KEYDOWN, SDLK_RETURN) : push(SDL_TEXTINPUT, 0, 0, c);
-}
-
-// Screenshots and recovered programs go to the current directory: a fresh one, removed at the end.
-struct c_scratch_directory {
-    fs::path previous = fs::current_path();
-    fs::path folder = fs::temp_directory_path() / ("vexil_window_" + std::to_string(getpid()));
-    c_scratch_directory()
-    {
-        fs::create_directories(folder);
-        fs::current_path(folder);
-    }
-    ~c_scratch_directory()
-    {
-        fs::current_path(previous);
-        fs::remove_all(folder);
-    }
-};
-
-std::string file_text(const char* name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
+        c == '\n' ? push(SDL_KEYDOWN, SDLK_RETURN) : push_text(std::string(1, c));
 }
 
 class window_session : public ::testing::Test {
@@ -119,7 +85,7 @@ protected:
     bool shows(const std::string& text) { return screen_text(host.engine_for_reading()).find(text) != text.npos; }
     bool presents(c_vexil& reference) { return host.presented_image().pixels == screen_image(reference).pixels; }
 
-    c_scratch_directory scratch;  // made before the host and removed after it
+    c_scratch_directory scratch{true};  // screenshots and recovered programs: made before the host, removed after it
     c_options options;
     c_window_host host{options};
 };

@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <string>
 
 #include "engine/error.h"
 #include "language/program_list.h"
+#include "support/scratch_directory.h"
 #include "support/value_check.h"
 
 TEST(program_store, keeps_lines_in_order_replaces_deletes_and_gives_back_variables)
@@ -33,9 +33,7 @@ TEST(program_store, keeps_lines_in_order_replaces_deletes_and_gives_back_variabl
 
 class program_files : public ::testing::Test {
 protected:
-    void SetUp() override { std::filesystem::create_directories(directory); }
-    void TearDown() override { std::filesystem::remove_all(directory); }
-    std::string path(const char* name) const { return (directory / name).string(); }
+    std::string path(const char* name) const { return scratch.path(name); }
     std::string listed()
     {
         std::string text;
@@ -46,8 +44,7 @@ protected:
         return text;
     }
 
-    std::filesystem::path directory =
-        std::filesystem::temp_directory_path() / ("vexil_program_list_" + std::to_string(std::random_device{}()));
+    c_scratch_directory scratch;
     test_console console;
     c_program_list& program = console.engine.interpreter.program_list;
 };
@@ -59,10 +56,8 @@ TEST_F(program_files, save_writes_each_source_and_cr_lf_and_an_empty_program_emp
     console.enter("10 i=1");
     console.enter("20 print i");
     EXPECT_EQ(program.save(path("saved.bas").c_str()), 1);
-    for (const char* name : {"old.bas", "saved.bas"}) {
-        std::ifstream file(path(name), std::ios::binary);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), name[0] == 'o' ? "" : "i=1\r\nprint i\r\n");
-    }
+    EXPECT_EQ(file_text(path("old.bas")), "");
+    EXPECT_EQ(file_text(path("saved.bas")), "i=1\r\nprint i\r\n");
 }
 
 // A save that fails leaves the old file whole and no temporary file beside it: past a file-size limit
@@ -81,9 +76,8 @@ TEST_F(program_files, save_replaces_a_file_only_when_every_byte_is_written)
     EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
     std::signal(SIGXFSZ, old_action);
     EXPECT_EQ(console.resource()->error_code, error_device_io);
-    std::ifstream old_file(path("old.bas"), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(old_file), {}), "old contents\r\n");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory), {}), 1);
+    EXPECT_EQ(file_text(path("old.bas")), "old contents\r\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(scratch.folder), {}), 1);
 
     console.resource()->error_code = 0;
     EXPECT_EQ(program.save("/dev/full"), 0);
@@ -101,7 +95,7 @@ TEST_F(program_files, save_replaces_a_file_only_when_every_byte_is_written)
 TEST_F(program_files, load_of_a_directory_fails_as_a_file_that_cannot_be_opened)
 {
     console.enter("5 i=5");
-    EXPECT_EQ(program.load(directory.c_str(), 100, 10), 0);
+    EXPECT_EQ(program.load(scratch.folder.c_str(), 100, 10), 0);
     EXPECT_EQ(console.resource()->error_code, error_cannot_open);
     EXPECT_EQ(listed(), "5 i=5\n");
 }

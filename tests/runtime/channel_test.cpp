@@ -4,12 +4,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/scratch_directory.h"
 #include "support/test_console.h"
 
 namespace {
@@ -25,19 +24,6 @@ struct session {
 
 class channels : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        auto directory = std::filesystem::temp_directory_path() /
-                         ("vexil_channels_" + std::to_string(std::random_device{}()));
-        std::filesystem::create_directory(directory);
-        std::filesystem::current_path(directory);
-    }
-    void TearDown() override
-    {
-        std::filesystem::path directory = std::filesystem::current_path();
-        std::filesystem::current_path(original);
-        std::filesystem::remove_all(directory);
-    }
     // Each session starts from an empty directory and leaves every channel closed.
     void play(const session& s)
     {
@@ -52,15 +38,14 @@ protected:
         }
         console.engine.interpreter.all_file_close();
         for (const auto& [name, bytes] : s.expected) {
-            std::ifstream file(name, std::ios::binary);
-            EXPECT_EQ(file.is_open(), bytes != nullptr) << s.about << ": " << name;
+            EXPECT_EQ(std::filesystem::exists(name), bytes != nullptr) << s.about << ": " << name;
             if (bytes != nullptr) {
-                EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), bytes) << s.about << ": " << name;
+                EXPECT_EQ(file_text(name), bytes) << s.about << ": " << name;
             }
         }
     }
 
-    std::filesystem::path original = std::filesystem::current_path();
+    c_scratch_directory scratch{true};
     test_console console;
 };
 

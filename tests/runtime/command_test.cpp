@@ -3,13 +3,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "engine/error.h"
 #include "runtime/command.h"
+#include "support/scratch_directory.h"
 #include "support/value_check.h"
 
 // Stored code holds row numbers: every keyword must keep its row, and the table must end after fprint.
@@ -171,12 +170,8 @@ TEST(end_new_exit, end_stops_quietly_new_deletes_the_program_and_its_variables_e
 
 TEST(save_and_load, give_the_program_back_numbered_from_100_and_report_device_errors)
 {
-    auto directory = std::filesystem::temp_directory_path() /
-                     ("vexil_commands_" + std::to_string(std::random_device{}()));
-    std::filesystem::create_directories(directory);
-    auto named = [&](const char* command, const char* file) {
-        return std::string(command) + " \"" + (directory / file).string() + "\"";
-    };
+    c_scratch_directory scratch;
+    auto named = [&](const char* command, const char* file) { return std::string(command) + " \"" + scratch.path(file) + "\""; };
     test_console console;
     EXPECT_EQ(console.output("10 i=1\n20 print i\n" + named("save", "p.bas")), "Ok\n");
     EXPECT_EQ(console.output("new\n" + named("load", "p.bas") + ": print 5\nlist"), "100 i=1\n110 print i\nOk\n");
@@ -191,5 +186,4 @@ TEST(save_and_load, give_the_program_back_numbered_from_100_and_report_device_er
     EXPECT_EQ(console.output(named("load", ".") + "\nlist"), "Ok\n");  // a directory opens but cannot be read
     EXPECT_EQ(console.output(named("load", ".")), "Device I/O error.\nOk\n");
     EXPECT_EQ(console.output("10 print 1\nsave \"/dev/full\""), "Device I/O error.\nOk\n");
-    std::filesystem::remove_all(directory);
 }

@@ -30,15 +30,21 @@ struct c_test_host : c_vexil_callback {
     std::mutex mutex;
 };
 
+// An engine of that size started behind the host: the banner shown, no key handled yet.
+inline bool start_engine(c_vexil& engine, c_test_host& host, int width = 640, int height = 480)
+{
+    engine.screen_width = width;
+    engine.screen_height = height;
+    engine.line_step = height * 2;
+    host.p_engine = &engine;
+    return engine.initialize(&host);
+}
+
 class test_console {
 public:
     explicit test_console(int width = 640, int height = 480)
     {
-        engine.screen_width = width;
-        engine.screen_height = height;
-        engine.line_step = height * 2;
-        host.p_engine = &engine;
-        engine.initialize(&host);
+        start_engine(engine, host, width, height);
         engine.text_editor.clear_screen();
     }
 
