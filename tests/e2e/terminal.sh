@@ -34,30 +34,25 @@ fail() {
     exit 1
 }
 
-# Polls the pane of session $target every tenth of a second, for at most ten seconds, until grep finds
-# the pattern.
-target=vexil
-wait_for() {
+# Tries a command every tenth of a second, for at most ten seconds.
+within_ten_seconds() {
     for _ in $(seq 100); do
-        tmux_ capture-pane -p -t "$target" > "$work/pane" 2>/dev/null
-        grep -q -- "$1" "$work/pane" && return 0
+        "$@" && return 0
         sleep 0.1
     done
-    fail "not shown within ten seconds: $1"
+    return 1
 }
-
+# The pane of session $target, polled until grep finds the pattern.
+target=vexil
+pane_shows() { tmux_ capture-pane -p -t "$target" > "$work/pane" 2>/dev/null && grep -q -- "$1" "$work/pane"; }
+wait_for() { within_ten_seconds pane_shows "$1" || fail "not shown within ten seconds: $1"; }
+wait_for_file() { within_ten_seconds test -e "$1" || fail "no $1 within ten seconds"; }
+session_ended() { ! tmux_ has-session -t vexil 2>/dev/null; }
+# A file holds exactly this text (its last line end aside).
+holds() { [ "$(cat "$1")" = "$2" ] || fail "$1 holds $(cat -A "$1"), expected: $2"; }
 type_line() {
     tmux_ send-keys -t "$target" -l "$1"
     tmux_ send-keys -t "$target" Enter
-}
-
-# Waits at most ten seconds for a file to appear.
-wait_for_file() {
-    for _ in $(seq 100); do
-        [ -e "$1" ] && return 0
-        sleep 0.1
-    done
-    fail "no $1 within ten seconds"
 }
 
 # After vexil, the shell in the pane records its status and the terminal's modes, and the session ends.
@@ -102,14 +97,9 @@ type_line 'print "é€x"'
 wait_for '^??x$'
 
 type_line 'exit'
-for _ in $(seq 100); do
-    tmux_ has-session -t vexil 2>/dev/null || break
-    sleep 0.1
-done
-tmux_ has-session -t vexil 2>/dev/null && fail "the session is still there ten seconds after exit"
+within_ten_seconds session_ended || fail "the session is still there ten seconds after exit"
 [ -f "$work/status" ] || fail "vexil did not return"
-# The Break was reported, and an error report makes the status 1.
-[ "$(cat "$work/status")" = 1 ] || fail "exit status $(cat "$work/status"), expected 1"
+holds "$work/status" 1  # the Break was reported, and an error report makes the status 1
 [ -s "$work/screen.png" ] || fail "no image written by --png"
 for mode in icanon echo isig; do
     grep -qw -- "-$mode" "$work/stty" && fail "the terminal was left with -$mode: $(cat "$work/stty")"
@@ -130,8 +120,8 @@ type_line 'list'
 wait_for '^10 print "kept"$'
 tmux_ kill-session -t recover  # the terminal closes: SIGHUP
 wait_for_file "$work/recover/vexil-recovered-2.bas"
-[ "$(cat "$work/recover/vexil-recovered-2.bas")" = $'print "kept"\r' ] || fail "recovered: $(cat -A "$work/recover/vexil-recovered-2.bas")"
-[ "$(cat "$work/recover/vexil-recovered.bas")" = older ] || fail "the older recovery file was overwritten"
+holds "$work/recover/vexil-recovered-2.bas" $'print "kept"\r'
+holds "$work/recover/vexil-recovered.bas" older  # not overwritten
 wait_for_file "$work/recover/stderr"
 grep -qx 'vexil: the program was not saved: it is in "vexil-recovered-2.bas"; type load "vexil-recovered-2.bas" to get it back' \
     "$work/recover/stderr" || fail "standard error: $(cat "$work/recover/stderr")"
@@ -142,12 +132,11 @@ tmux_ new-session -d -s dumb -x 80 -y 24 \
     "cd '$work' && TERM=dumb '$vexil' --terminal 2> dumb_stderr; echo \$? > dumb_status; env -u DISPLAY -u WAYLAND_DISPLAY TERM=dumb '$vexil'; echo \$? > auto_status; sleep 60" \
     || fail "tmux cannot start a session"
 wait_for_file "$work/dumb_status"
-[ "$(cat "$work/dumb_stderr")" = 'vexil: cannot use the terminal type "dumb": it cannot move the cursor' ] \
-    || fail "standard error: $(cat "$work/dumb_stderr")"
-[ "$(cat "$work/dumb_status")" = 1 ] || fail "exit status $(cat "$work/dumb_status") for a dumb terminal, expected 1"
+holds "$work/dumb_stderr" 'vexil: cannot use the terminal type "dumb": it cannot move the cursor'
+holds "$work/dumb_status" 1
 type_line 'print 6*7'
 wait_for '^42$'
 tmux_ send-keys -t dumb C-d
 wait_for_file "$work/auto_status"
-[ "$(cat "$work/auto_status")" = 0 ] || fail "exit status $(cat "$work/auto_status") headless, expected 0"
+holds "$work/auto_status" 0
 echo "terminal.sh: passed"
