@@ -44,7 +44,7 @@ struct c_quiet_session : c_session {
     }
     void begin()
     {
-        initialize();
+        EXPECT_TRUE(initialize());
         start();
     }
 
@@ -52,19 +52,9 @@ struct c_quiet_session : c_session {
 };
 
 struct c_scratch_file {
-    explicit c_scratch_file(const std::string& text)
-    {
-        std::ofstream(path, std::ios::binary) << text;
-    }
+    explicit c_scratch_file(const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
     ~c_scratch_file() { fs::remove(path); }
-    // In double quotes, as the reports name it.
-    std::string quoted() const
-    {
-        std::string text(1, '"');
-        text += path.string();
-        text += '"';
-        return text;
-    }
+    std::string quoted() const { return '"' + path.string() + '"'; }  // as the reports name it
     fs::path path = fs::temp_directory_path() / ("vexil_session_" + std::to_string(getpid()) + ".bas");
 };
 
