@@ -109,17 +109,12 @@ int promote(ref_value& left, int wanted)
     return 0;
 }
 
-// b factors a, each product wrapped; past 1000 factors by squaring, which wraps the same way.
+// a to the b modulo 2 to the 32, by squaring; a negative exponent gives 0.
 long long power(long long a, long long b)
 {
     if (b < 0)
         return 0;
     unsigned result = 1;
-    if (b <= 1000) {
-        for (long long i = 0; i < b; ++i)
-            result *= static_cast<unsigned>(a);
-        return static_cast<int>(result);
-    }
     for (unsigned base = static_cast<unsigned>(a), e = static_cast<unsigned>(b); e != 0; e >>= 1, base *= base)
         if (e & 1u)
             result *= base;
