@@ -1,6 +1,6 @@
-// The session every host shares: keys fed past a full ring in order, the end once the input has ended,
-// a break that ends a sleep at once, the end that breaks an endless line, --timeout's status, the
-// geometry, and the start-up check of the program file with its one line for standard error.
+// The session every host shares: a break that ends a sleep at once, the end that breaks an endless line,
+// the geometry, and the start-up check of the program file. A full key ring, --timeout's status and an
+// untranslatable program file are the end-to-end cases many_keys, timeout and untranslatable_program.
 #include "host/session.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ struct c_quiet_session : c_session {
     ~c_quiet_session() override { (void)finish(); }  // while the hooks below still exist
     void update_screen() override {}
     void update_text() override {}
-    void report(const std::string& line) override { reports.push_back(line); }
+    void report(const std::string&) override {}
 
     void type(const std::string& text)
     {
@@ -47,8 +47,6 @@ struct c_quiet_session : c_session {
         EXPECT_TRUE(initialize());
         start();
     }
-
-    std::vector<std::string> reports;  // engine thread until finish
 };
 
 struct c_scratch_file {
@@ -59,19 +57,6 @@ struct c_scratch_file {
 };
 
 }  // namespace
-
-TEST(session, feeds_keys_past_a_full_ring_in_order_and_ends_once_the_input_has)
-{
-    c_options options;
-    c_quiet_session session(options);
-    session.begin();
-    // 160 keys before the first Enter: more than the ring's 127.
-    session.type("print \"" + std::string(152, 'x') + "\"\nprint 6*7\n");
-    session.end_input();
-    EXPECT_EQ(session.finish(), 0);
-    EXPECT_NE(screen_text(session.engine).find(std::string(80, 'x') + "\n" + std::string(72, 'x') + "\nOk\nprint 6*7\n42\nOk"),
-        std::string::npos) << screen_text(session.engine);
-}
 
 TEST(session, a_break_ends_a_programs_sleep_at_once_and_is_an_error)
 {
@@ -97,16 +82,6 @@ TEST(session, the_end_breaks_a_line_that_never_waits_and_is_no_error)
     EXPECT_EQ(session.finish(), 0);
 }
 
-TEST(session, a_timeout_breaks_the_program_and_ends_with_124)
-{
-    c_options options;
-    options.timeout_seconds = 0.05;
-    c_quiet_session session(options);
-    session.begin();
-    session.type("$a goto $a\n");
-    EXPECT_EQ(session.finish(), exit_timed_out);
-}
-
 TEST(session, takes_the_terminals_size_only_when_the_command_line_gave_none)
 {
     struct geometry_case { bool size_given; int columns, rows, width, height; };
@@ -128,20 +103,6 @@ TEST(session, takes_the_terminals_size_only_when_the_command_line_gave_none)
         EXPECT_EQ(std::vector({session.engine.screen_width, session.engine.screen_height, session.engine.line_step}),
             std::vector({c.width, c.height, c.height * 2})) << c.columns << "x" << c.rows;
     }
-}
-
-TEST(session, a_program_file_that_fails_to_translate_names_its_line_and_leaves_the_banners_ok)
-{
-    c_scratch_file file("print 1\r\nprint 2\r\n\"abc\r\nprint 4\r\n");
-    c_options options;
-    options.program_file = file.path.string();
-    c_quiet_session session(options);
-    session.begin();
-    session.end_input();
-    EXPECT_EQ(session.finish(), exit_error);
-    EXPECT_EQ(session.reports, std::vector<std::string>({file.quoted() + " line 3: Syntax error"}));
-    const std::string screen = screen_text(session.engine);
-    EXPECT_EQ(screen.find("Ok\n") + 3, screen.size()) << screen;  // nothing after the banner
 }
 
 TEST(program_file, problems_are_found_before_the_load_with_the_line_they_are_in)
