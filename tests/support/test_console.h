@@ -4,7 +4,6 @@
 
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "engine/vexil.h"
 
@@ -84,15 +83,11 @@ public:
     // Every row down to the last that holds text, one line each.
     std::string screen() const
     {
-        std::vector<std::string> lines;
-        for (int y = 0; y < engine.rows(); ++y)
-            lines.push_back(row(y));
-        while (!lines.empty() && lines.back().empty())
-            lines.pop_back();
         std::string text;
-        for (const auto& line : lines)
-            text += line + "\n";
-        return text;
+        for (int y = 0; y < engine.rows(); ++y)
+            text += row(y) + "\n";
+        text.erase(text.find_last_not_of('\n') + 1);
+        return text.empty() ? text : text + "\n";
     }
     // Lines separated by '\n' entered in turn; the screen is cleared before the last one. Gives the rows
     // below the last line: what it printed, then "Ok" or the message.
