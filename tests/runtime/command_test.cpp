@@ -7,21 +7,8 @@
 #include <vector>
 
 #include "engine/error.h"
-#include "runtime/command.h"
 #include "support/scratch_directory.h"
 #include "support/value_check.h"
-
-// Stored code holds row numbers: every keyword must keep its row, and the table must end after fprint.
-TEST(command_table, keeps_every_keyword_in_the_row_stored_code_names)
-{
-    const char* const rows[] = {"exit", "run", "print", "printh", "locate", "cls", "sleep", "save", "load", "list",
-        "new", "randomize", "renum", "dim", "update_scr", "set_pixel", "set_text_color", "end", "fropen", "fwopen",
-        "fclose", "fprint"};
-    for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
-        EXPECT_EQ(c_command::get_code(rows[row]), row) << rows[row];
-        EXPECT_STREQ(c_command::command_list[row].name, rows[row]);
-    }
-}
 
 TEST(print, prints_one_value_and_a_line_end_unless_a_semicolon_follows_then_reports_a_failure)
 {
