@@ -3,7 +3,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <string>
 
 #include "engine/error.h"
@@ -130,11 +129,4 @@ TEST(break_key, during_a_program_stops_it_with_break_and_the_line_number)
     console.start(scratch.path("loop.bas").c_str());
     EXPECT_EQ(host.last_error, error_break);
     EXPECT_NE(console.screen().find("\nBreak at 100.\nOk\n"), std::string::npos);
-}
-
-TEST(engine_lifetime, an_engine_that_was_never_initialised_is_destroyed_cleanly)
-{
-    auto engine = std::make_unique<c_vexil>();
-    engine.reset();
-    SUCCEED();  // the fault this guards against is a crash in the destructor
 }
