@@ -1,6 +1,7 @@
-// The session every host shares: a break that ends a sleep at once, the end that breaks an endless line,
-// the geometry, and the start-up check of the program file. A full key ring, --timeout's status and an
-// untranslatable program file are the end-to-end cases many_keys, timeout and untranslatable_program.
+// The session every host shares: a break that ends a sleep at once, the geometry, and the start-up check
+// of the program file. A full key ring, --timeout's status and an untranslatable program file are the
+// end-to-end cases many_keys, timeout and untranslatable_program; the end that breaks an endless line is
+// the window's close button.
 #include "host/session.h"
 
 #include <gtest/gtest.h>
@@ -69,17 +70,6 @@ TEST(session, a_break_ends_a_programs_sleep_at_once_and_is_an_error)
     session.end_input();
     EXPECT_EQ(session.finish(), exit_error);
     EXPECT_TRUE(session.shows("zz\nBreak.\nOk"));
-}
-
-TEST(session, the_end_breaks_a_line_that_never_waits_and_is_no_error)
-{
-    c_options options;
-    c_quiet_session session(options);
-    session.begin();
-    session.type("print \"on\":$a goto $a\n");
-    ASSERT_TRUE(session.shows("on\n"));
-    session.end();
-    EXPECT_EQ(session.finish(), 0);
 }
 
 TEST(session, takes_the_terminals_size_only_when_the_command_line_gave_none)
