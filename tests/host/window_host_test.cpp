@@ -92,22 +92,16 @@ protected:
 
 }  // namespace
 
+// Frames are drawn while the engine prints and plots: the last one must still be exactly its screen.
 TEST_F(window_session, typed_keys_present_the_image_the_engine_composes_without_a_window)
 {
-    type_lines("print 1+2\n");
-    c_reference reference("print 1+2\n");
+    const std::string typed =
+        "print 1+2\n10 for i=1 to 3000\n20 print i\n30 set_pixel i mod 640, i mod 480, 2016\n40 next\nrun\n";
+    type_lines(typed);
+    c_reference reference(typed);
     EXPECT_TRUE(step_until([&] { return presents(reference.engine); }));
     EXPECT_EQ(screen_text(host.engine_for_reading()), screen_text(reference.engine));
     EXPECT_EQ(host.finish(), 0);
-}
-
-// Frames are drawn while the engine prints and plots: the last one must still be exactly its screen.
-TEST_F(window_session, a_program_printing_and_plotting_while_frames_are_drawn_ends_with_its_last_screen)
-{
-    const std::string program = "10 for i=1 to 3000\n20 print i\n30 set_pixel i mod 640, i mod 480, 2016\n40 next\nrun\n";
-    type_lines(program);
-    c_reference reference(program);
-    EXPECT_TRUE(step_until([&] { return presents(reference.engine); }));
 }
 
 TEST_F(window_session, text_input_types_each_character_it_cannot_show_as_one_question_mark)
