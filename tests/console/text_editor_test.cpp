@@ -164,20 +164,6 @@ TEST(program_output, clears_to_white_empty_cells_whatever_the_text_colour)
     EXPECT_EQ(console.engine.cell(0, 0), 0x07E00200u | 'c');
 }
 
-TEST(error_report, starts_on_the_next_row_ends_below_ok_and_sets_input_mode)
-{
-    test_console console;
-    console.type("abc");
-    console.engine.text_editor.input_mode = false;
-    console.engine.text_editor.put_error(error_type_mismatch, 120);
-    console.engine.text_editor.put_error(error_syntax, 0);
-    EXPECT_EQ(console.screen(), "abc\nType mismatch at 120.\nOk\n\nSyntax error.\nOk\n");
-    EXPECT_EQ(console.cursor_x(), 0);
-    EXPECT_EQ(console.cursor_y(), 6);
-    EXPECT_EQ(console.host.last_error, error_syntax);
-    EXPECT_TRUE(console.engine.text_editor.input_mode);
-}
-
 TEST(line_entry, stores_numbered_lines_and_reports_bad_ones_below_them)
 {
     for (const entry_case& entry : entries) {
