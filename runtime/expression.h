@@ -44,9 +44,12 @@ private:
     template <class operand>
     int operators(operand& value, const unsigned char*& p, bool& ok, int level);
     int term(c_value& value, const unsigned char*& p, bool& ok);
-    int term(c_number& number, const unsigned char*& p, bool& ok);
+    // From p on; given has_operand, number already holds the first operand, read up to p.
+    int numbers(c_number& number, const unsigned char*& p, bool has_operand);
+    bool simple_operand(c_number& number, const unsigned char*& p);
+    int term(c_number& number, const unsigned char*& p);
     int prefix(c_value& value, const unsigned char*& p, bool& ok);
-    int prefix(c_number& number, const unsigned char*& p, bool& ok);
+    int prefix(c_number& number, const unsigned char*& p);
     int number_element(c_number& number, const unsigned char*& p);
 
     c_system_resource* p_system_resource;
