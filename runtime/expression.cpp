@@ -430,11 +430,15 @@ inline bool c_expression::simple_operand(c_number& number, const unsigned char*&
     return true;
 }
 
-// A lone variable or constant, the commonest expression, is read here without the loop.
+// A lone variable, constant or element, the commonest expressions, is read here without the loop.
 bool c_expression::number_expression(c_number& number, const unsigned char*& p)
 {
-    if (!simple_operand(number, p))
-        return numbers(number, p, false) == 0;
+    if (!simple_operand(number, p)) {
+        if (*p != token_real_array && *p != token_integer_array)
+            return numbers(number, p, false) == 0;
+        if (number_element(number, p) != 0)
+            return false;
+    }
     return operator_bindings[*p] == 0 || numbers(number, p, true) == 0;
 }
 
