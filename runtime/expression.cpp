@@ -468,10 +468,13 @@ int c_expression::numbers(c_number& number, const unsigned char*& p, bool has_op
         unsigned char kind = *p;
         int binding = operator_bindings[kind];
         while (waiting[depth].binding >= binding) {
+            // Worked on in registers: copied whole from the stack's fresh field stores, it would be
+            // one 16-byte load that the processor cannot forward from them, and stalls on.
             c_waiting& top = waiting[depth--];
-            if (int code = operate(top.left, top.kind, number); code != 0)
+            c_number left = top.left;
+            if (int code = operate(left, top.kind, number); code != 0)
                 return code;
-            number = top.left;
+            number = left;
         }
         if (binding == 0)
             return 0;
