@@ -335,10 +335,17 @@ int c_expression::read_number(number_type& result, const unsigned char*& p)
         return 0;
     }
     p = start;
+    return read_value(result, p);
+}
+
+// The full evaluation's number, apart so that its c_value does not weigh on the numeric way's frame.
+template <class number_type>
+int c_expression::read_value(number_type& result, const unsigned char*& p)
+{
     c_value value;
     int code = value_expression(value, p);
     if (code == 0) {
-        if constexpr (wants_integer)
+        if constexpr (std::is_same_v<number_type, int>)
             result = value.current->get_integer();
         else
             result = value.current->get_real();

@@ -36,6 +36,8 @@ private:
     // The numeric way first, the full one when it gives up; result as get_integer or get_real reads it.
     template <class number_type>
     int read_number(number_type& result, const unsigned char*& p);
+    template <class number_type>
+    int read_value(number_type& result, const unsigned char*& p);
     int assign(c_variable_string* target, const unsigned char*& p, const c_value* right);
     bool number_expression(c_number& number, const unsigned char*& p);
     int value_expression(c_value& value, const unsigned char*& p);
