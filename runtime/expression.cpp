@@ -1,11 +1,13 @@
 // The evaluator. One loop (`operators`) walks every binary level by the operator table: an operator
 // of a left-to-right level takes as its right operand the levels above it, power's takes power again.
-// The loop runs on two kinds of operand: c_number, for expressions of numbers alone, which needs no
-// c_value and gives up (not_a_number) at anything else, and c_value, which takes every expression.
+// It runs on c_value, which takes every expression. Expressions of numbers alone go first the numeric
+// way (`numbers`) on c_number, which needs no c_value, groups by the same table with a stack of waiting
+// operands instead of a call per operand, and gives up (not_a_number) at anything else.
 // The numeric way calls no built-in function and allocates nothing, so giving up and evaluating again from the
 // start repeats nothing a program could see; both call the one definition of each operator.
 #include "runtime/expression.h"
 
+#include <array>
 #include <iterator>
 #include <type_traits>
 
@@ -58,6 +60,18 @@ constexpr c_operator operator_table[] = {
     {level_power, &c_base_type::power, nullptr},                    // 45 ^
 };
 static_assert(std::size(operator_table) == token_power - token_and + 1);
+
+// Twice the level of the operator a kind byte stands for (0 for any other kind), plus one for ^: the
+// numeric way's stack applies a waiting operator whose doubled level is at least this, so ^ groups
+// from the right and the others from the left. Indexed by the byte itself: one load, no range test.
+constexpr auto operator_bindings = [] {
+    std::array<unsigned char, 256> bindings{};
+    for (std::size_t index = 0; index < std::size(operator_table); ++index) {
+        int level = operator_table[index].level;
+        bindings[token_and + index] = static_cast<unsigned char>(2 * level + (level == level_power));
+    }
+    return bindings;
+}();
 
 // The level of the operator a kind byte stands for, level_none for any other kind.
 int level_of(unsigned char kind)
@@ -321,10 +335,17 @@ int c_expression::read_number(number_type& result, const unsigned char*& p)
         return 0;
     }
     p = start;
+    return read_value(result, p);
+}
+
+// The full evaluation's number, apart so that its c_value does not weigh on the numeric way's frame.
+template <class number_type>
+int c_expression::read_value(number_type& result, const unsigned char*& p)
+{
     c_value value;
     int code = value_expression(value, p);
     if (code == 0) {
-        if constexpr (wants_integer)
+        if constexpr (std::is_same_v<number_type, int>)
             result = value.current->get_integer();
         else
             result = value.current->get_real();
@@ -392,10 +413,83 @@ int c_expression::class_change(c_value& value, int wanted)
     }
 }
 
+// A variable or a constant read without a call; false, with nothing consumed, for any other operand.
+inline bool c_expression::simple_operand(c_number& number, const unsigned char*& p)
+{
+    switch (*p) {
+    case token_real_variable:
+        number = {true, 0, p_system_resource->p_variable_manager->get<c_variable_real>(peek_operand<variable_id>(p + 1))->value};
+        break;
+    case token_integer_variable:
+        number = {false, p_system_resource->p_variable_manager->get<c_variable_integer>(peek_operand<variable_id>(p + 1))->value, 0.0};
+        break;
+    case token_integer:
+        number = {false, peek_operand<int>(p + 1), 0.0};
+        break;
+    case token_real:
+        number = {true, 0, peek_operand<double>(p + 1)};
+        p += 1 + sizeof(double);
+        return true;
+    default:
+        return false;
+    }
+    p += operand_token_size;
+    return true;
+}
+
+// A lone variable, constant or element, the commonest expressions, is read here without the loop.
 bool c_expression::number_expression(c_number& number, const unsigned char*& p)
 {
-    bool ok = true;
-    return binary(number, p, ok, level_or) == 0;
+    if (!simple_operand(number, p)) {
+        if (*p != token_real_array && *p != token_integer_array)
+            return numbers(number, p, false) == 0;
+        if (number_element(number, p) != 0)
+            return false;
+    }
+    return operator_bindings[*p] == 0 || numbers(number, p, true) == 0;
+}
+
+// The numeric way without a call per operand: operands wait on a stack of their own with the operator
+// after them, and an operator first applies every waiting one that binds at least as tightly (^, which
+// groups from the right, only a tighter one, of which there is none). The grouping is the loop's over
+// the levels; any failure, a stack too deep included, gives the numeric way up.
+int c_expression::numbers(c_number& number, const unsigned char*& p, bool has_operand)
+{
+    struct c_waiting {
+        c_number left;
+        int binding;  // even: twice the operator's level
+        unsigned char kind;
+    };
+    constexpr int depth_limit = 16;
+    c_waiting waiting[depth_limit + 1];
+    waiting[0].binding = -1;  // below every operator: the loop below needs no depth test
+    int depth = 0;
+    for (;;) {
+        if (!has_operand && !simple_operand(number, p)) {
+            // elements straight to their reader, sparing term's call in matrix-like loops
+            bool element = *p == token_real_array || *p == token_integer_array;
+            if (int code = element ? number_element(number, p) : term(number, p); code != 0)
+                return code;
+        }
+        has_operand = false;
+        unsigned char kind = *p;
+        int binding = operator_bindings[kind];
+        while (waiting[depth].binding >= binding) {
+            // Worked on in registers: copied whole from the stack's fresh field stores, it would be
+            // one 16-byte load that the processor cannot forward from them, and stalls on.
+            c_waiting& top = waiting[depth--];
+            c_number left = top.left;
+            if (int code = operate(left, top.kind, number); code != 0)
+                return code;
+            number = left;
+        }
+        if (binding == 0)
+            return 0;
+        if (depth == depth_limit)
+            return not_a_number;
+        waiting[++depth] = {number, binding & ~1, kind};
+        ++p;
+    }
 }
 
 int c_expression::value_expression(c_value& value, const unsigned char*& p)
@@ -486,41 +580,26 @@ int c_expression::term(c_value& value, const unsigned char*& p, bool& ok)
     }
 }
 
-int c_expression::term(c_number& number, const unsigned char*& p, bool& ok)
+int c_expression::term(c_number& number, const unsigned char*& p)
 {
+    if (simple_operand(number, p))
+        return 0;
     switch (*p) {
-    case token_integer:
-        ++p;
-        number = {false, read_operand<int>(p), 0.0};
-        return 0;
-    case token_real:
-        ++p;
-        number = {true, 0, read_operand<double>(p)};
-        return 0;
-    case token_integer_variable:
-        number = {false, variable_at<c_variable_integer>(p, p_system_resource)->value, 0.0};
-        return 0;
-    case token_real_variable:
-        number = {true, 0, variable_at<c_variable_real>(p, p_system_resource)->value};
-        return 0;
     case token_integer_array:
     case token_real_array:
-        return fail_on(number_element(number, p), ok);
+        return number_element(number, p);
     case token_not:
     case token_plus:
     case token_minus:
-        return prefix(number, p, ok);
+        return prefix(number, p);
     case token_open: {
         ++p;
-        bool inner_ok = true;
-        if (int code = binary(number, p, inner_ok, level_or); code != 0)
-            return fail_on(code, ok);
-        if (!take_token(p, token_close))
-            return fail_on(error_right_bracket, ok);
-        return 0;
+        if (int code = numbers(number, p, false); code != 0)
+            return code;
+        return take_token(p, token_close) ? 0 : error_right_bracket;
     }
     default:
-        return fail_on(not_a_number, ok);  // strings, functions, a missing operand
+        return not_a_number;  // strings, functions, a missing operand
     }
 }
 
@@ -536,16 +615,16 @@ int c_expression::prefix(c_value& value, const unsigned char*& p, bool& ok)
     return fail_on(code, ok);
 }
 
-int c_expression::prefix(c_number& number, const unsigned char*& p, bool& ok)
+int c_expression::prefix(c_number& number, const unsigned char*& p)
 {
     unsigned char kind = *p++;
-    int code = term(number, p, ok);
-    if (!ok || kind == token_plus)
+    int code = term(number, p);
+    if (code != 0 || kind == token_plus)
         return code;
     if (!number.is_real)
         number.integer = kind == token_not ? integer_not(number.integer) : integer_minus(number.integer);
     else if (kind == token_not)
-        return fail_on(error_syntax, ok);  // a real has no NOT
+        return error_syntax;  // a real has no NOT
     else
         number.real = real_minus(number.real);
     return 0;

@@ -36,6 +36,8 @@ private:
     // The numeric way first, the full one when it gives up; result as get_integer or get_real reads it.
     template <class number_type>
     int read_number(number_type& result, const unsigned char*& p);
+    template <class number_type>
+    int read_value(number_type& result, const unsigned char*& p);
     int assign(c_variable_string* target, const unsigned char*& p, const c_value* right);
     bool number_expression(c_number& number, const unsigned char*& p);
     int value_expression(c_value& value, const unsigned char*& p);
@@ -44,9 +46,12 @@ private:
     template <class operand>
     int operators(operand& value, const unsigned char*& p, bool& ok, int level);
     int term(c_value& value, const unsigned char*& p, bool& ok);
-    int term(c_number& number, const unsigned char*& p, bool& ok);
+    // From p on; given has_operand, number already holds the first operand, read up to p.
+    int numbers(c_number& number, const unsigned char*& p, bool has_operand);
+    bool simple_operand(c_number& number, const unsigned char*& p);
+    int term(c_number& number, const unsigned char*& p);
     int prefix(c_value& value, const unsigned char*& p, bool& ok);
-    int prefix(c_number& number, const unsigned char*& p, bool& ok);
+    int prefix(c_number& number, const unsigned char*& p);
     int number_element(c_number& number, const unsigned char*& p);
 
     c_system_resource* p_system_resource;
