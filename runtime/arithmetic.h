@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "engine/error.h"
+#include "language/code.h"
 
 inline int wrap(unsigned v) { return static_cast<int>(v); }  // modulo 2^32, defined since C++20
 
@@ -112,3 +113,96 @@ template <class number>
 int compare_lt(number a, number b) { return truth(a < b); }
 template <class number>
 int compare_lt_equ(number a, number b) { return truth(a <= b); }
+
+// By operator kind, for the evaluator's numbers: what the integer and real types' slots do.
+
+inline bool is_comparison(unsigned char kind)
+{
+    return kind == token_equal || kind == token_not_equal || kind == token_less || kind == token_less_equal ||
+           kind == token_greater || kind == token_greater_equal;
+}
+
+template <class number>
+int comparison(unsigned char kind, number a, number b)
+{
+    switch (kind) {
+    case token_equal:
+        return compare_equ(a, b);
+    case token_not_equal:
+        return compare_not_equ(a, b);
+    case token_less:
+        return compare_lt(a, b);
+    case token_less_equal:
+        return compare_lt_equ(a, b);
+    case token_greater:
+        return compare_gt(a, b);
+    default:
+        return compare_gt_equ(a, b);
+    }
+}
+
+// Any binary operator; a comparison's truth replaces a.
+[[nodiscard]] inline int integer_operation(int& a, unsigned char kind, int b)
+{
+    switch (kind) {
+    case token_plus:
+        a = integer_addition(a, b);
+        return 0;
+    case token_minus:
+        a = integer_subtraction(a, b);
+        return 0;
+    case token_multiply:
+        a = integer_multiplication(a, b);
+        return 0;
+    case token_divide:
+        return integer_division(a, b);
+    case token_mod:
+        return integer_remainder(a, b);
+    case token_and:
+        a = integer_and_op(a, b);
+        return 0;
+    case token_or:
+        a = integer_or_op(a, b);
+        return 0;
+    case token_xor:
+        a = integer_xor_op(a, b);
+        return 0;
+    case token_shift_left:
+        a = integer_lshift(a, b);
+        return 0;
+    case token_shift_right:
+        a = integer_rshift(a, b);
+        return 0;
+    case token_power:
+        a = integer_power(a, b);
+        return 0;
+    default:
+        a = comparison(kind, a, b);
+        return 0;
+    }
+}
+
+// Any binary operator but a comparison, whose truth is an integer (comparison above).
+[[nodiscard]] inline int real_operation(double& a, unsigned char kind, double b)
+{
+    switch (kind) {
+    case token_plus:
+        a = real_addition(a, b);
+        return 0;
+    case token_minus:
+        a = real_subtraction(a, b);
+        return 0;
+    case token_multiply:
+        a = real_multiplication(a, b);
+        return 0;
+    case token_divide:
+        return real_division(a, b);
+    case token_power:
+        a = real_power(a, b);
+        return 0;
+    case token_mod:
+        return error_type_mismatch;
+    default:
+        return error_syntax;  // a real has no AND, OR, XOR or shifts
+    }
+}

@@ -1,13 +1,12 @@
-// The evaluator. One loop (`operators`) walks every binary level by the operator table: an operator
+// The evaluator. One loop (`operators`) walks every binary level by the operator levels: an operator
 // of a left-to-right level takes as its right operand the levels above it, power's takes power again.
 // It runs on c_value, which takes every expression. Expressions of numbers alone go first the numeric
-// way (`numbers`) on c_number, which needs no c_value, groups by the same table with a stack of waiting
-// operands instead of a call per operand, and gives up (not_a_number) at anything else.
-// The numeric way calls no built-in function and allocates nothing, so giving up and evaluating again from the
-// start repeats nothing a program could see; both call the one definition of each operator.
+// way: translated once into typed steps (runtime/number_code.h), which need no c_value and refuse
+// anything else. The steps call no built-in function and change nothing, so a refusal or a failure
+// followed by the full evaluation from the start repeats nothing a program could see; both ways call
+// the one definition of each operator.
 #include "runtime/expression.h"
 
-#include <array>
 #include <iterator>
 #include <type_traits>
 
@@ -17,68 +16,45 @@
 #include "runtime/arithmetic.h"
 #include "runtime/function.h"
 #include "runtime/interpreter.h"
+#include "runtime/number_code.h"
+#include "runtime/operator_level.h"
 #include "runtime/variable.h"
 
 namespace {
 
-constexpr int not_a_number = -1;  // the numeric way gives up; never leaves the evaluator
-
-constexpr int level_none = 0, level_or = 1, level_and = 2, level_comparator = 3, level_addition = 4,
-              level_shift = 5, level_multiplication = 6, level_power = 7;
-
-// A binary operator: its level and its slot on the left operand's type (an operation or a comparison).
+// A binary operator's slot on the left operand's type (an operation or a comparison).
 struct c_operator {
-    int level;
     int (c_base_type::*operation)(const c_base_type*);
     int (c_base_type::*comparison)(int&, const c_base_type*) const;
 };
 
 // Indexed by token kind - token_and: the code format fixes the kinds' order, so this table's too.
 constexpr c_operator operator_table[] = {
-    {level_and, &c_base_type::and_op, nullptr},                     // 23 AND
-    {level_or, &c_base_type::or_op, nullptr},                       // 24 OR
-    {level_or, &c_base_type::xor_op, nullptr},                      // 25 XOR
-    {level_none, nullptr, nullptr},                                 // 26 NOT, prefix only
-    {level_multiplication, &c_base_type::remainder, nullptr},       // 27 MOD
-    {level_addition, &c_base_type::addition, nullptr},              // 28 +
-    {level_addition, &c_base_type::subtraction, nullptr},           // 29 -
-    {level_multiplication, &c_base_type::multiplication, nullptr},  // 30 *
-    {level_multiplication, &c_base_type::division, nullptr},        // 31 /
-    {level_none, nullptr, nullptr},                                 // 32 (
-    {level_none, nullptr, nullptr},                                 // 33 )
-    {level_comparator, nullptr, &c_base_type::equ},                 // 34 =
-    {level_comparator, nullptr, &c_base_type::lt_equ},              // 35 <=
-    {level_comparator, nullptr, &c_base_type::gt_equ},              // 36 >=
-    {level_comparator, nullptr, &c_base_type::not_equ},             // 37 <>
-    {level_shift, &c_base_type::lshift, nullptr},                   // 38 <<
-    {level_shift, &c_base_type::rshift, nullptr},                   // 39 >>
-    {level_comparator, nullptr, &c_base_type::lt},                  // 40 <
-    {level_comparator, nullptr, &c_base_type::gt},                  // 41 >
-    {level_none, nullptr, nullptr},                                 // 42 :
-    {level_none, nullptr, nullptr},                                 // 43 ;
-    {level_none, nullptr, nullptr},                                 // 44 ,
-    {level_power, &c_base_type::power, nullptr},                    // 45 ^
+    {&c_base_type::and_op, nullptr},            // 23 AND
+    {&c_base_type::or_op, nullptr},             // 24 OR
+    {&c_base_type::xor_op, nullptr},            // 25 XOR
+    {nullptr, nullptr},                         // 26 NOT, prefix only
+    {&c_base_type::remainder, nullptr},         // 27 MOD
+    {&c_base_type::addition, nullptr},          // 28 +
+    {&c_base_type::subtraction, nullptr},       // 29 -
+    {&c_base_type::multiplication, nullptr},    // 30 *
+    {&c_base_type::division, nullptr},          // 31 /
+    {nullptr, nullptr},                         // 32 (
+    {nullptr, nullptr},                         // 33 )
+    {nullptr, &c_base_type::equ},               // 34 =
+    {nullptr, &c_base_type::lt_equ},            // 35 <=
+    {nullptr, &c_base_type::gt_equ},            // 36 >=
+    {nullptr, &c_base_type::not_equ},           // 37 <>
+    {&c_base_type::lshift, nullptr},            // 38 <<
+    {&c_base_type::rshift, nullptr},            // 39 >>
+    {nullptr, &c_base_type::lt},                // 40 <
+    {nullptr, &c_base_type::gt},                // 41 >
+    {nullptr, nullptr},                         // 42 :
+    {nullptr, nullptr},                         // 43 ;
+    {nullptr, nullptr},                         // 44 ,
+    {&c_base_type::power, nullptr},             // 45 ^
 };
 static_assert(std::size(operator_table) == token_power - token_and + 1);
-
-// Twice the level of the operator a kind byte stands for (0 for any other kind), plus one for ^: the
-// numeric way's stack applies a waiting operator whose doubled level is at least this, so ^ groups
-// from the right and the others from the left. Indexed by the byte itself: one load, no range test.
-constexpr auto operator_bindings = [] {
-    std::array<unsigned char, 256> bindings{};
-    for (std::size_t index = 0; index < std::size(operator_table); ++index) {
-        int level = operator_table[index].level;
-        bindings[token_and + index] = static_cast<unsigned char>(2 * level + (level == level_power));
-    }
-    return bindings;
-}();
-
-// The level of the operator a kind byte stands for, level_none for any other kind.
-int level_of(unsigned char kind)
-{
-    unsigned index = kind - token_and;
-    return index < std::size(operator_table) ? operator_table[index].level : level_none;
-}
 
 // Records a failure in the evaluation's flag and passes the code on (0 passes through untouched).
 int fail_on(int code, bool& ok)
@@ -86,66 +62,6 @@ int fail_on(int code, bool& ok)
     if (code != 0)
         ok = false;
     return code;
-}
-
-template <class number>
-int comparison(unsigned char kind, number a, number b)
-{
-    switch (kind) {
-    case token_equal:
-        return compare_equ(a, b);
-    case token_not_equal:
-        return compare_not_equ(a, b);
-    case token_less:
-        return compare_lt(a, b);
-    case token_less_equal:
-        return compare_lt_equ(a, b);
-    case token_greater:
-        return compare_gt(a, b);
-    default:
-        return compare_gt_equ(a, b);
-    }
-}
-
-// What the integer type's slots do, by operator; a comparison's truth replaces a.
-int integer_operation(int& a, unsigned char kind, int b)
-{
-    switch (kind) {
-    case token_plus:
-        a = integer_addition(a, b);
-        return 0;
-    case token_minus:
-        a = integer_subtraction(a, b);
-        return 0;
-    case token_multiply:
-        a = integer_multiplication(a, b);
-        return 0;
-    case token_divide:
-        return integer_division(a, b);
-    case token_mod:
-        return integer_remainder(a, b);
-    case token_and:
-        a = integer_and_op(a, b);
-        return 0;
-    case token_or:
-        a = integer_or_op(a, b);
-        return 0;
-    case token_xor:
-        a = integer_xor_op(a, b);
-        return 0;
-    case token_shift_left:
-        a = integer_lshift(a, b);
-        return 0;
-    case token_shift_right:
-        a = integer_rshift(a, b);
-        return 0;
-    case token_power:
-        a = integer_power(a, b);
-        return 0;
-    default:
-        a = comparison(kind, a, b);
-        return 0;
-    }
 }
 
 // Two integers give an integer; otherwise both are read as reals, as promotion would have them, and
@@ -156,37 +72,14 @@ int operate(c_number& left, unsigned char kind, const c_number& right)
         return integer_operation(left.integer, kind, right.integer);
     double a = left.is_real ? left.real : left.integer;
     double b = right.is_real ? right.real : right.integer;
-    switch (kind) {
-    case token_plus:
-        left = {true, 0, real_addition(a, b)};
-        return 0;
-    case token_minus:
-        left = {true, 0, real_subtraction(a, b)};
-        return 0;
-    case token_multiply:
-        left = {true, 0, real_multiplication(a, b)};
-        return 0;
-    case token_divide:
-        if (int code = real_division(a, b); code != 0)
-            return code;
-        left = {true, 0, a};
-        return 0;
-    case token_power:
-        left = {true, 0, real_power(a, b)};
-        return 0;
-    case token_mod:
-        return error_type_mismatch;
-    case token_equal:
-    case token_not_equal:
-    case token_less:
-    case token_less_equal:
-    case token_greater:
-    case token_greater_equal:
+    if (is_comparison(kind)) {
         left = {false, comparison(kind, a, b), 0.0};
         return 0;
-    default:
-        return error_syntax;  // a real has no AND, OR, XOR or shifts
     }
+    if (int code = real_operation(a, kind, b); code != 0)
+        return code;
+    left = {true, 0, a};
+    return 0;
 }
 
 bool as_number(const c_value& value, c_number& number)
@@ -286,21 +179,6 @@ int function_call(c_value& value, const unsigned char*& p, c_system_resource* re
     int code = res->error_code;
     ok = code == 0;
     return code;
-}
-
-// True when the parenthesised list at p (or the rest of the line, when unclosed) calls no function.
-bool calls_nothing(const unsigned char* p)
-{
-    for (int depth = 0;; p += token_size(p)) {
-        if (*p == token_function)
-            return false;
-        if (*p == token_end)
-            return true;
-        if (*p == token_open)
-            ++depth;
-        else if (*p == token_close && --depth == 0)
-            return true;
-    }
 }
 
 }  // namespace
@@ -437,59 +315,36 @@ inline bool c_expression::simple_operand(c_number& number, const unsigned char*&
     return true;
 }
 
-// A lone variable, constant or element, the commonest expressions, is read here without the loop.
+// A lone variable or constant, the commonest expression, is read here without the steps.
 bool c_expression::number_expression(c_number& number, const unsigned char*& p)
 {
-    if (!simple_operand(number, p)) {
-        if (*p != token_real_array && *p != token_integer_array)
-            return numbers(number, p, false) == 0;
-        if (number_element(number, p) != 0)
-            return false;
-    }
-    return operator_bindings[*p] == 0 || numbers(number, p, true) == 0;
+    const unsigned char* start = p;
+    if (simple_operand(number, p) && level_of(*p) == level_none)
+        return true;
+    p = start;
+    c_interpreter* interpreter = p_system_resource->p_interpreter;
+    const c_number_code* code = nullptr;
+    if (interpreter != nullptr)
+        code = interpreter->number_codes.at(p, p_system_resource->p_variable_manager);
+    if (code == nullptr)
+        return translated_expression(number, p);
+    return run_code(*code, number, p);
 }
 
-// The numeric way without a call per operand: operands wait on a stack of their own with the operator
-// after them, and an operator first applies every waiting one that binds at least as tightly (^, which
-// groups from the right, only a tighter one, of which there is none). The grouping is the loop's over
-// the levels; any failure, a stack too deep included, gives the numeric way up.
-int c_expression::numbers(c_number& number, const unsigned char*& p, bool has_operand)
+// Without a table to keep it in, the translation is made for this evaluation alone.
+bool c_expression::translated_expression(c_number& number, const unsigned char*& p)
 {
-    struct c_waiting {
-        c_number left;
-        int binding;  // even: twice the operator's level
-        unsigned char kind;
-    };
-    constexpr int depth_limit = 16;
-    c_waiting waiting[depth_limit + 1];
-    waiting[0].binding = -1;  // below every operator: the loop below needs no depth test
-    int depth = 0;
-    for (;;) {
-        if (!has_operand && !simple_operand(number, p)) {
-            // elements straight to their reader, sparing term's call in matrix-like loops
-            bool element = *p == token_real_array || *p == token_integer_array;
-            if (int code = element ? number_element(number, p) : term(number, p); code != 0)
-                return code;
-        }
-        has_operand = false;
-        unsigned char kind = *p;
-        int binding = operator_bindings[kind];
-        while (waiting[depth].binding >= binding) {
-            // Worked on in registers: copied whole from the stack's fresh field stores, it would be
-            // one 16-byte load that the processor cannot forward from them, and stalls on.
-            c_waiting& top = waiting[depth--];
-            c_number left = top.left;
-            if (int code = operate(left, top.kind, number); code != 0)
-                return code;
-            number = left;
-        }
-        if (binding == 0)
-            return 0;
-        if (depth == depth_limit)
-            return not_a_number;
-        waiting[++depth] = {number, binding & ~1, kind};
-        ++p;
-    }
+    c_number_code code;
+    code.translate(p, p_system_resource->p_variable_manager);
+    return run_code(code, number, p);
+}
+
+bool c_expression::run_code(const c_number_code& code, c_number& number, const unsigned char*& p)
+{
+    if (code.step_count == 0 || !code.run(number))
+        return false;
+    p += code.length;
+    return true;
 }
 
 int c_expression::value_expression(c_value& value, const unsigned char*& p)
@@ -520,7 +375,7 @@ int c_expression::operators(operand& value, const unsigned char*& p, bool& ok, i
             return 0;
         ++p;
         operand right;  // a fresh one: an operator with no operand after it meets a none
-        int code = binary(right, p, ok, binding == level_power ? level_power : binding + 1);
+        int code = binary(right, p, ok, right_level(binding));
         if (!ok)
             return code;
         if (code = fail_on(operate(value, kind, right), ok); code != 0)
@@ -580,29 +435,6 @@ int c_expression::term(c_value& value, const unsigned char*& p, bool& ok)
     }
 }
 
-int c_expression::term(c_number& number, const unsigned char*& p)
-{
-    if (simple_operand(number, p))
-        return 0;
-    switch (*p) {
-    case token_integer_array:
-    case token_real_array:
-        return number_element(number, p);
-    case token_not:
-    case token_plus:
-    case token_minus:
-        return prefix(number, p);
-    case token_open: {
-        ++p;
-        if (int code = numbers(number, p, false); code != 0)
-            return code;
-        return take_token(p, token_close) ? 0 : error_right_bracket;
-    }
-    default:
-        return not_a_number;  // strings, functions, a missing operand
-    }
-}
-
 // NOT, unary + and - bind to the term right after them, tighter than ^, so -2 ^ 2 is 4.
 int c_expression::prefix(c_value& value, const unsigned char*& p, bool& ok)
 {
@@ -613,42 +445,4 @@ int c_expression::prefix(c_value& value, const unsigned char*& p, bool& ok)
     c_base_type* operand = value.current;
     code = kind == token_not ? operand->not_op() : kind == token_plus ? operand->plus() : operand->minus();
     return fail_on(code, ok);
-}
-
-int c_expression::prefix(c_number& number, const unsigned char*& p)
-{
-    unsigned char kind = *p++;
-    int code = term(number, p);
-    if (code != 0 || kind == token_plus)
-        return code;
-    if (!number.is_real)
-        number.integer = kind == token_not ? integer_not(number.integer) : integer_minus(number.integer);
-    else if (kind == token_not)
-        return error_syntax;  // a real has no NOT
-    else
-        number.real = real_minus(number.real);
-    return 0;
-}
-
-// Only an element of a dimensioned array whose subscripts call nothing is read the numeric way, so
-// that giving up later repeats neither a call nor an allocation; its failures are left to the full
-// evaluation, which records them.
-int c_expression::number_element(c_number& number, const unsigned char*& p)
-{
-    c_system_resource* res = p_system_resource;
-    auto* array = res->p_variable_manager->get<c_variable_array>(peek_operand<variable_id>(p + 1));
-    if (!array->dimensioned() || !calls_nothing(p + operand_token_size))
-        return not_a_number;
-    unsigned char kind = *p;
-    p += operand_token_size;
-    int indices[max_dimensions];
-    int count = res->p_interpreter->dimension_check(p, indices);
-    if (count == 0)
-        return not_a_number;
-    if (kind == token_integer_array) {
-        number.is_real = false;
-        return static_cast<c_variable_integer_array*>(array)->get(count, indices, number.integer);
-    }
-    number.is_real = true;
-    return static_cast<c_variable_real_array*>(array)->get(count, indices, number.real);
 }

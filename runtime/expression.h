@@ -7,9 +7,9 @@
 
 struct c_system_resource;
 class c_variable_string;
+struct c_number_code;
 
-// A number on the evaluator's way for expressions of numbers alone: no text, nothing to build. Left
-// unset until term fills it: an operand that fills none gives the numeric way up.
+// A number on the evaluator's way for expressions of numbers alone: no text, nothing to build.
 struct c_number {
     bool is_real;
     int integer;
@@ -46,13 +46,10 @@ private:
     template <class operand>
     int operators(operand& value, const unsigned char*& p, bool& ok, int level);
     int term(c_value& value, const unsigned char*& p, bool& ok);
-    // From p on; given has_operand, number already holds the first operand, read up to p.
-    int numbers(c_number& number, const unsigned char*& p, bool has_operand);
+    bool translated_expression(c_number& number, const unsigned char*& p);
+    static bool run_code(const c_number_code& code, c_number& number, const unsigned char*& p);
     bool simple_operand(c_number& number, const unsigned char*& p);
-    int term(c_number& number, const unsigned char*& p);
     int prefix(c_value& value, const unsigned char*& p, bool& ok);
-    int prefix(c_number& number, const unsigned char*& p);
-    int number_element(c_number& number, const unsigned char*& p);
 
     c_system_resource* p_system_resource;
 };

@@ -7,6 +7,7 @@
 #include "language/program_list.h"
 #include "runtime/command.h"
 #include "runtime/function.h"
+#include "runtime/number_code.h"
 
 struct c_system_resource;
 class c_parser;
@@ -75,6 +76,7 @@ public:
     int gosub_depth = 0;
     std::FILE* files[channel_count] = {};
     c_program_list program_list;
+    c_number_codes number_codes;
 
 private:
     template <class array_type, class value_type>

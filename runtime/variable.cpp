@@ -259,6 +259,7 @@ c_variable* c_variable_manager::acquire(unsigned char kind, const char* name)
 
 void c_variable_manager::line_release(const unsigned char* code, int length, const c_program_line* line)
 {
+    ++code_generation;
     for (int position = 0; position < length; position += token_size(code + position)) {
         if (!is_variable_token(code[position]))
             continue;

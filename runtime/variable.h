@@ -135,6 +135,9 @@ public:
     c_variable variable_list;
     c_variable array_list;
     c_variable label_list;
+    // Counts line_release calls: code goes away only through it, and its variables with it, so
+    // anything kept about code (its address, its variables' places) holds only within one count.
+    unsigned code_generation = 0;
 
 private:
     c_variable* head_of(unsigned char kind);

@@ -77,3 +77,15 @@ TEST(evaluator_operands, a_code_recorded_before_a_call_is_the_calls_outcome)
     EXPECT_EQ(c_expression(&resource).expression(value, p), error_break);
     EXPECT_EQ(*p, token_plus);  // nothing after the call is evaluated
 }
+
+// Numeric expressions are translated once and kept by code address: the same address holding other
+// code later (the immediate line's buffer, a replaced line) must be translated again.
+TEST(evaluator, translations_kept_by_address_follow_the_code_now_there)
+{
+    expect_outputs({
+        {"print 1+2\nprint 1.5+2", "3.500000\nOk\n"},
+        {"i=4: print i*2\nr=0.5: print r*2", "1.000000\nOk\n"},
+        {"10 print 1+2\nrun\n10 print 2.5*2\nrun", "5.000000\nOk\n"},
+        {"for i=1 to 3: print i*1.5;: next", "1.5000003.0000004.500000\nOk\n"},
+    });
+}
