@@ -31,12 +31,13 @@ void run_command(const unsigned char*& p, c_system_resource* res)
 }
 
 // A line whose translation failed has no code: reaching it stops the run there with a syntax error.
+// After the last line the cursor is nulled, which ends the run.
 void end_of_line(const unsigned char*& p, c_system_resource* res, c_program_list& program)
 {
     if (program.current != nullptr)
         program.current = program.current->next;
     if (program.current == nullptr) {
-        res->executing = false;
+        p = nullptr;
         return;
     }
     if (program.current->code == nullptr) {
@@ -125,7 +126,8 @@ int c_interpreter::run(c_parser* parser)
     for_depth = 0;
     program_list.current = nullptr;
     res->executing = true;
-    while (res->executing) {
+    // One test a turn: a break stored by the host's thread is an error code too.
+    do {
         switch (*p) {
         case token_integer_variable:
             process_ivar(p);
@@ -179,9 +181,8 @@ int c_interpreter::run(c_parser* parser)
             res->error_code.raise(error_syntax);
             break;
         }
-        if (p == nullptr || res->error_code != error_none)
-            res->executing = false;
-    }
+    } while (p != nullptr && res->error_code == error_none);
+    res->executing = false;
     parser->variable_release();
     for_depth = 0;
     gosub_depth = 0;
