@@ -117,6 +117,23 @@ void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable
     interpreter.program_list.current = line;
 }
 
+// An integer variable or constant alone, the usual subscript, is read without an evaluator: it cannot
+// fail and gives the same index. False, with p unmoved, for any other subscript.
+bool lone_subscript(const unsigned char*& p, int& index, c_system_resource* res)
+{
+    unsigned char kind = *p;
+    unsigned char after = p[operand_token_size];
+    bool lone = (kind == token_integer_variable || kind == token_integer) &&
+                (after == token_comma || after == token_close);
+    if (!lone)
+        return false;
+    auto operand = peek_operand<std::uint32_t>(p + 1);
+    index = kind == token_integer ? static_cast<int>(operand)
+                                  : res->p_variable_manager->get<c_variable_integer>(operand)->value;
+    p += operand_token_size;
+    return true;
+}
+
 }  // namespace
 
 int c_interpreter::run(c_parser* parser)
@@ -416,24 +433,18 @@ int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
     }
     int count = 0;
     do {
-        // An integer variable or constant alone, the usual subscript, is read without an evaluator:
-        // it cannot fail and gives the same index.
-        if ((*p == token_integer_variable || *p == token_integer) &&
-            (p[operand_token_size] == token_comma || p[operand_token_size] == token_close)) {
-            unsigned char kind = *p++;
-            auto operand = read_operand<std::uint32_t>(p);
-            indices[count++] = kind == token_integer
-                                   ? static_cast<int>(operand)
-                                   : res->p_variable_manager->get<c_variable_integer>(operand)->value;
-            if (res->error_code != error_none)
-                return 0;
+        if (lone_subscript(p, indices[count], res)) {
+            ++count;
             continue;
         }
         int subscript = 0;  // an empty subscript reads as 0
-        if (evaluate(res, subscript, p) != 0 || res->error_code != error_none)
+        if (evaluate(res, subscript, p) != 0)
             return 0;
         indices[count++] = subscript;
     } while (count < max_dimensions && take_token(p, token_comma));
+    // A break stored while the subscripts were read stops the statement here.
+    if (res->error_code != error_none)
+        return 0;
     if (!take_token(p, token_close)) {
         res->error_code.raise(error_syntax);
         return 0;
