@@ -353,7 +353,11 @@ int string_append(char* text, int& length, const c_base_type* right)
     }
     if (tail_length > string_capacity - length)
         return error_string_space;
-    std::memcpy(text + length, tail, static_cast<std::size_t>(tail_length));
+    // One byte, what chr gives a string built a character at a time, is stored without a library call.
+    if (tail_length == 1)
+        text[length] = tail[0];
+    else
+        std::memcpy(text + length, tail, static_cast<std::size_t>(tail_length));
     length += tail_length;
     return 0;
 }
