@@ -276,16 +276,20 @@ void c_interpreter::cmd_for(const unsigned char*& p)
 // NEXT closes the innermost loop and takes no operand: a name after it runs as the next statement.
 void c_interpreter::cmd_next(const unsigned char*& p)
 {
-    ++p;
     if (for_depth <= 0) {
+        ++p;
         p_system_resource->error_code.raise(error_next_without_for);
         return;
     }
     const c_for_entry& entry = for_stack[for_depth - 1];
-    int value = add_wrapping(entry.counter->value, entry.step);
+    // Step and limit are read before the counter is stored, which the compiler must assume aliases them.
+    int step = entry.step;
+    int limit = entry.limit;
+    int value = add_wrapping(entry.counter->value, step);
     entry.counter->value = value;
-    if (loop_finished(value, entry.step, entry.limit)) {
+    if (loop_finished(value, step, limit)) {
         --for_depth;
+        ++p;
         return;
     }
     p = entry.resume_position;
