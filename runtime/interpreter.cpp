@@ -117,21 +117,32 @@ void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable
     interpreter.program_list.current = line;
 }
 
-// An integer variable or constant alone, the usual subscript, is read without an evaluator: it cannot
-// fail and gives the same index. False, with p unmoved, for any other subscript.
-bool lone_subscript(const unsigned char*& p, int& index, c_system_resource* res)
+// Subscripts that are all integer variables or constants alone, the usual case, are read without an
+// evaluator: they cannot fail and give the same indices. The count, with p after the ")"; 0, with p
+// unmoved, for any other list, which the evaluator then reads.
+int lone_subscripts(const unsigned char*& p, int* indices, c_system_resource* res)
 {
-    unsigned char kind = *p;
-    unsigned char after = p[operand_token_size];
-    bool lone = (kind == token_integer_variable || kind == token_integer) &&
-                (after == token_comma || after == token_close);
-    if (!lone)
-        return false;
-    auto operand = peek_operand<std::uint32_t>(p + 1);
-    index = kind == token_integer ? static_cast<int>(operand)
-                                  : res->p_variable_manager->get<c_variable_integer>(operand)->value;
-    p += operand_token_size;
-    return true;
+    if (*p != token_open)
+        return 0;
+    const unsigned char* cursor = p + 1;
+    int count = 0;
+    for (;;) {
+        unsigned char kind = *cursor;
+        if (kind != token_integer_variable && kind != token_integer)
+            return 0;
+        auto operand = peek_operand<std::uint32_t>(cursor + 1);
+        indices[count++] = kind == token_integer
+                               ? static_cast<int>(operand)
+                               : res->p_variable_manager->get<c_variable_integer>(operand)->value;
+        cursor += operand_token_size;
+        if (*cursor == token_close) {
+            p = cursor + 1;
+            return count;
+        }
+        if (*cursor != token_comma || count == max_dimensions)
+            return 0;
+        ++cursor;
+    }
 }
 
 }  // namespace
@@ -383,7 +394,10 @@ array_type* c_interpreter::element_assignment(const unsigned char*& p, int* indi
     c_system_resource* res = p_system_resource;
     ++p;
     auto* array = res->p_variable_manager->get<array_type>(read_operand<variable_id>(p));
-    count = dimension_check(p, indices);
+    // As dimension_check, with the lone subscripts read here where the compiler can inline them.
+    count = lone_subscripts(p, indices, res);
+    if (count == 0)
+        count = evaluated_subscripts(p, indices);
     if (count == 0 || res->error_code != error_none)
         return nullptr;
     if (!take_token(p, token_equal)) {
@@ -427,8 +441,17 @@ void c_interpreter::process_sarray(const unsigned char*& p)
     p_system_resource->error_code.raise(array->set(count, indices, text, length));
 }
 
-// A comma after the eighth subscript is left for the ")" test, which makes a ninth a syntax error.
+// A break stored while the subscripts were read stops the statement here.
 int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
+{
+    int count = lone_subscripts(p, indices, p_system_resource);
+    if (count == 0)
+        count = evaluated_subscripts(p, indices);
+    return p_system_resource->error_code == error_none ? count : 0;
+}
+
+// A comma after the eighth subscript is left for the ")" test, which makes a ninth a syntax error.
+int c_interpreter::evaluated_subscripts(const unsigned char*& p, int* indices)
 {
     c_system_resource* res = p_system_resource;
     if (!take_token(p, token_open)) {
@@ -437,18 +460,11 @@ int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
     }
     int count = 0;
     do {
-        if (lone_subscript(p, indices[count], res)) {
-            ++count;
-            continue;
-        }
         int subscript = 0;  // an empty subscript reads as 0
         if (evaluate(res, subscript, p) != 0)
             return 0;
         indices[count++] = subscript;
     } while (count < max_dimensions && take_token(p, token_comma));
-    // A break stored while the subscripts were read stops the statement here.
-    if (res->error_code != error_none)
-        return 0;
     if (!take_token(p, token_close)) {
         res->error_code.raise(error_syntax);
         return 0;

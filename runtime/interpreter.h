@@ -77,6 +77,7 @@ public:
     c_program_list program_list;
 
 private:
+    int evaluated_subscripts(const unsigned char*& p, int* indices);
     template <class array_type, class value_type>
     array_type* element_assignment(const unsigned char*& p, int* indices, int& count, value_type& value);
 };
