@@ -102,19 +102,20 @@ void settle(const unsigned char*& p, c_program_line*& line)
 }
 
 // Sends the cursor to the label's definition. A label whose line is gone (deleted, replaced, finished
-// as an immediate line) or never translated has no line or no code, and is refused.
-void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable_id id)
+// as an immediate line) or never translated has no line or no code, and is refused: false.
+bool jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable_id id)
 {
     c_system_resource* res = interpreter.p_system_resource;
     auto* label = res->p_variable_manager->get<c_variable_label>(id);
     if (label->line == nullptr || label->line->code == nullptr) {
         res->error_code.raise(error_invalid_label);
-        return;
+        return false;
     }
     p = label->line->code + label->position;
     c_program_line* line = label->line;
     settle(p, line);
     interpreter.program_list.current = line;
+    return true;
 }
 
 // Subscripts that are all integer variables or constants alone, the usual case, are read without an
@@ -319,8 +320,7 @@ void c_interpreter::cmd_gosub(const unsigned char*& p)
     auto target = read_operand<variable_id>(p);
     c_gosub_entry resume = {program_list.current, p};
     settle(resume.resume_position, resume.resume_line);
-    jump_to_label(p, *this, target);
-    if (res->error_code != error_none)
+    if (!jump_to_label(p, *this, target))
         return;
     if (gosub_depth >= gosub_stack_size) {
         res->error_code.raise(error_gosub_overflow);
