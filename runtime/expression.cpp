@@ -358,7 +358,8 @@ template <class operand>
 int c_expression::binary(operand& value, const unsigned char*& p, bool& ok, int level)
 {
     int code = term(value, p, ok);
-    if (!ok)
+    // Most operands have no operator of the level after them: the loop is not entered for those.
+    if (!ok || level_of(*p) < level)
         return code;
     return operators(value, p, ok, level);
 }

@@ -250,8 +250,7 @@ void fnc_chr(c_value& result, const unsigned char*& p, c_system_resource* res)
     int argument = 0;
     if (read_argument(argument, p, res) != 0)
         return;
-    char byte = static_cast<char>(static_cast<unsigned char>(argument & 0xFF));
-    result.change_string(&byte, 1);
+    result.change_byte(static_cast<char>(static_cast<unsigned char>(argument & 0xFF)));
 }
 
 void fnc_bin(c_value& result, const unsigned char*& p, c_system_resource* res)

@@ -31,12 +31,13 @@ void run_command(const unsigned char*& p, c_system_resource* res)
 }
 
 // A line whose translation failed has no code: reaching it stops the run there with a syntax error.
+// After the last line the cursor is nulled, which ends the run.
 void end_of_line(const unsigned char*& p, c_system_resource* res, c_program_list& program)
 {
     if (program.current != nullptr)
         program.current = program.current->next;
     if (program.current == nullptr) {
-        res->executing = false;
+        p = nullptr;
         return;
     }
     if (program.current->code == nullptr) {
@@ -101,19 +102,48 @@ void settle(const unsigned char*& p, c_program_line*& line)
 }
 
 // Sends the cursor to the label's definition. A label whose line is gone (deleted, replaced, finished
-// as an immediate line) or never translated has no line or no code, and is refused.
-void jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable_id id)
+// as an immediate line) or never translated has no line or no code, and is refused: false.
+bool jump_to_label(const unsigned char*& p, c_interpreter& interpreter, variable_id id)
 {
     c_system_resource* res = interpreter.p_system_resource;
     auto* label = res->p_variable_manager->get<c_variable_label>(id);
     if (label->line == nullptr || label->line->code == nullptr) {
         res->error_code.raise(error_invalid_label);
-        return;
+        return false;
     }
     p = label->line->code + label->position;
     c_program_line* line = label->line;
     settle(p, line);
     interpreter.program_list.current = line;
+    return true;
+}
+
+// Subscripts that are all integer variables or constants alone, the usual case, are read without an
+// evaluator: they cannot fail and give the same indices. The count, with p after the ")"; 0, with p
+// unmoved, for any other list, which the evaluator then reads.
+int lone_subscripts(const unsigned char*& p, int* indices, c_system_resource* res)
+{
+    if (*p != token_open)
+        return 0;
+    const unsigned char* cursor = p + 1;
+    int count = 0;
+    for (;;) {
+        unsigned char kind = *cursor;
+        if (kind != token_integer_variable && kind != token_integer)
+            return 0;
+        auto operand = peek_operand<std::uint32_t>(cursor + 1);
+        indices[count++] = kind == token_integer
+                               ? static_cast<int>(operand)
+                               : res->p_variable_manager->get<c_variable_integer>(operand)->value;
+        cursor += operand_token_size;
+        if (*cursor == token_close) {
+            p = cursor + 1;
+            return count;
+        }
+        if (*cursor != token_comma || count == max_dimensions)
+            return 0;
+        ++cursor;
+    }
 }
 
 }  // namespace
@@ -125,7 +155,8 @@ int c_interpreter::run(c_parser* parser)
     for_depth = 0;
     program_list.current = nullptr;
     res->executing = true;
-    while (res->executing) {
+    // One test a turn: a break stored by the host's thread is an error code too.
+    do {
         switch (*p) {
         case token_integer_variable:
             process_ivar(p);
@@ -179,9 +210,8 @@ int c_interpreter::run(c_parser* parser)
             res->error_code.raise(error_syntax);
             break;
         }
-        if (p == nullptr || res->error_code != error_none)
-            res->executing = false;
-    }
+    } while (p != nullptr && res->error_code == error_none);
+    res->executing = false;
     parser->variable_release();
     for_depth = 0;
     gosub_depth = 0;
@@ -258,16 +288,20 @@ void c_interpreter::cmd_for(const unsigned char*& p)
 // NEXT closes the innermost loop and takes no operand: a name after it runs as the next statement.
 void c_interpreter::cmd_next(const unsigned char*& p)
 {
-    ++p;
     if (for_depth <= 0) {
+        ++p;
         p_system_resource->error_code.raise(error_next_without_for);
         return;
     }
     const c_for_entry& entry = for_stack[for_depth - 1];
-    int value = add_wrapping(entry.counter->value, entry.step);
+    // Step and limit are read before the counter is stored, which the compiler must assume aliases them.
+    int step = entry.step;
+    int limit = entry.limit;
+    int value = add_wrapping(entry.counter->value, step);
     entry.counter->value = value;
-    if (loop_finished(value, entry.step, entry.limit)) {
+    if (loop_finished(value, step, limit)) {
         --for_depth;
+        ++p;
         return;
     }
     p = entry.resume_position;
@@ -286,8 +320,7 @@ void c_interpreter::cmd_gosub(const unsigned char*& p)
     auto target = read_operand<variable_id>(p);
     c_gosub_entry resume = {program_list.current, p};
     settle(resume.resume_position, resume.resume_line);
-    jump_to_label(p, *this, target);
-    if (res->error_code != error_none)
+    if (!jump_to_label(p, *this, target))
         return;
     if (gosub_depth >= gosub_stack_size) {
         res->error_code.raise(error_gosub_overflow);
@@ -361,7 +394,10 @@ array_type* c_interpreter::element_assignment(const unsigned char*& p, int* indi
     c_system_resource* res = p_system_resource;
     ++p;
     auto* array = res->p_variable_manager->get<array_type>(read_operand<variable_id>(p));
-    count = dimension_check(p, indices);
+    // As dimension_check, with the lone subscripts read here where the compiler can inline them.
+    count = lone_subscripts(p, indices, res);
+    if (count == 0)
+        count = evaluated_subscripts(p, indices);
     if (count == 0 || res->error_code != error_none)
         return nullptr;
     if (!take_token(p, token_equal)) {
@@ -405,8 +441,17 @@ void c_interpreter::process_sarray(const unsigned char*& p)
     p_system_resource->error_code.raise(array->set(count, indices, text, length));
 }
 
-// A comma after the eighth subscript is left for the ")" test, which makes a ninth a syntax error.
+// A break stored while the subscripts were read stops the statement here.
 int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
+{
+    int count = lone_subscripts(p, indices, p_system_resource);
+    if (count == 0)
+        count = evaluated_subscripts(p, indices);
+    return p_system_resource->error_code == error_none ? count : 0;
+}
+
+// A comma after the eighth subscript is left for the ")" test, which makes a ninth a syntax error.
+int c_interpreter::evaluated_subscripts(const unsigned char*& p, int* indices)
 {
     c_system_resource* res = p_system_resource;
     if (!take_token(p, token_open)) {
@@ -415,21 +460,8 @@ int c_interpreter::dimension_check(const unsigned char*& p, int* indices)
     }
     int count = 0;
     do {
-        // An integer variable or constant alone, the usual subscript, is read without an evaluator:
-        // it cannot fail and gives the same index.
-        if ((*p == token_integer_variable || *p == token_integer) &&
-            (p[operand_token_size] == token_comma || p[operand_token_size] == token_close)) {
-            unsigned char kind = *p++;
-            auto operand = read_operand<std::uint32_t>(p);
-            indices[count++] = kind == token_integer
-                                   ? static_cast<int>(operand)
-                                   : res->p_variable_manager->get<c_variable_integer>(operand)->value;
-            if (res->error_code != error_none)
-                return 0;
-            continue;
-        }
         int subscript = 0;  // an empty subscript reads as 0
-        if (evaluate(res, subscript, p) != 0 || res->error_code != error_none)
+        if (evaluate(res, subscript, p) != 0)
             return 0;
         indices[count++] = subscript;
     } while (count < max_dimensions && take_token(p, token_comma));

@@ -79,6 +79,7 @@ public:
     c_number_codes number_codes;
 
 private:
+    int evaluated_subscripts(const unsigned char*& p, int* indices);
     template <class array_type, class value_type>
     array_type* element_assignment(const unsigned char*& p, int* indices, int& count, value_type& value);
 };

@@ -336,9 +336,13 @@ int string_append(char* text, int& length, const c_base_type* right)
     const char* tail = number;
     int tail_length = 0;
     switch (right->get_type()) {
-    case type_string:
-        right->get_string(tail, tail_length);
+    case type_string: {
+        // The tag says which object this is: its text is read without a virtual call.
+        const auto* string = static_cast<const c_string_type*>(right);
+        tail = string->text;
+        tail_length = string->length;
         break;
+    }
     case type_real:
         if (int code = right->convert_to_string(number, tail_length); code != 0)
             return code;
@@ -349,7 +353,11 @@ int string_append(char* text, int& length, const c_base_type* right)
     }
     if (tail_length > string_capacity - length)
         return error_string_space;
-    std::memcpy(text + length, tail, static_cast<std::size_t>(tail_length));
+    // One byte, what chr gives a string built a character at a time, is stored without a library call.
+    if (tail_length == 1)
+        text[length] = tail[0];
+    else
+        std::memcpy(text + length, tail, static_cast<std::size_t>(tail_length));
     length += tail_length;
     return 0;
 }

@@ -148,6 +148,12 @@ public:
         string_value.set(text, length);
         current = &string_value;
     }
+    void change_byte(char byte)  // a one-byte string
+    {
+        string_value.text[0] = byte;
+        string_value.length = 1;
+        current = &string_value;
+    }
     // Makes the value its own text form; a none becomes the empty string.
     [[nodiscard]] int convert_to_string();
     // convert_to_string, then the text and its byte count; on a failure the text is empty.
