@@ -4,8 +4,6 @@
 // Whatever the steps cannot take is refused whole, and the full evaluation takes it.
 #include "runtime/number_code.h"
 
-#include <cstdint>
-
 #include "engine/allocation.h"
 #include "runtime/arithmetic.h"
 #include "runtime/operator_level.h"
@@ -407,16 +405,13 @@ bool c_number_code::run(c_number& result) const
 
 c_number_codes::~c_number_codes() { delete[] slots; }
 
-const c_number_code* c_number_codes::at(const unsigned char* p, c_variable_manager* variables)
+const c_number_code* c_number_codes::translate(const unsigned char* p, c_variable_manager* variables)
 {
     if (slots == nullptr && (slots = allocate_array<c_number_code>(slot_count)) == nullptr)
         return nullptr;
-    auto address = reinterpret_cast<std::uintptr_t>(p);
-    c_number_code& code = slots[(address ^ (address >> 8)) % slot_count];
-    if (code.start != p || code.generation != variables->code_generation) {
-        code.translate(p, variables);
-        code.start = p;
-        code.generation = variables->code_generation;
-    }
+    c_number_code& code = slots[slot_of(p)];
+    code.translate(p, variables);
+    code.start = p;
+    code.generation = variables->code_generation;
     return &code;
 }

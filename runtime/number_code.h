@@ -5,10 +5,11 @@
 // (the variable manager's generation), so none outlives the variables it points at.
 #pragma once
 
-#include "runtime/expression.h"
+#include <cstdint>
 
-class c_variable_array;
-class c_variable_manager;
+#include "runtime/expression.h"
+#include "runtime/variable.h"
+
 
 struct c_step {
     unsigned char op;
@@ -49,9 +50,24 @@ public:
     ~c_number_codes();
 
     // The translation of the expression at p, kept or made now; null only when no room can be had.
-    const c_number_code* at(const unsigned char* p, c_variable_manager* variables);
+    const c_number_code* at(const unsigned char* p, c_variable_manager* variables)
+    {
+        if (slots != nullptr) {
+            c_number_code& code = slots[slot_of(p)];
+            if (code.start == p && code.generation == variables->code_generation)
+                return &code;
+        }
+        return translate(p, variables);
+    }
 
 private:
+    static std::size_t slot_of(const unsigned char* p)
+    {
+        auto address = reinterpret_cast<std::uintptr_t>(p);
+        return (address ^ (address >> 8)) % slot_count;
+    }
+    const c_number_code* translate(const unsigned char* p, c_variable_manager* variables);
+
     static constexpr unsigned slot_count = 256;
     c_number_code* slots = nullptr;
 };
