@@ -1,4 +1,5 @@
 // The engine as a host sees it: banner, start-up run of a named program, the key loop, break and geometry.
+// A break during a program is the statement loop's test; exit ending the key loop, the exit case end to end.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -91,16 +92,6 @@ TEST(key_loop, hands_queued_keys_to_the_editor_and_sleeps_when_idle)
     EXPECT_EQ(console.row(0), "ab");
 }
 
-TEST(key_loop, ends_after_the_line_that_ran_exit_has_finished)
-{
-    test_console console;
-    console.host.quit_when_idle = false;
-    console.queue("exit: print \"bye\"\r");
-    console.start(nullptr);
-    EXPECT_EQ(console.screen(), "exit: print \"bye\"\nbye\nOk\n");
-    EXPECT_FALSE(console.resource()->running);
-}
-
 TEST(break_key, while_idle_shows_nothing_and_is_reset_by_the_next_line)
 {
     test_console console;
@@ -109,24 +100,4 @@ TEST(break_key, while_idle_shows_nothing_and_is_reset_by_the_next_line)
     console.queue("print 7\r");
     console.start(nullptr);
     EXPECT_EQ(console.screen(), "print 7\n7\nOk\n");
-}
-
-TEST(break_key, during_a_program_stops_it_with_break_and_the_line_number)
-{
-    struct breaking_host : c_test_host {
-        void update_text() override
-        {
-            if (++text_updates == 50)
-                p_engine->force_break();
-        }
-    };
-    test_console console;
-    breaking_host host;
-    host.p_engine = &console.engine;
-    console.resource()->p_callback = &host;
-    c_scratch_directory scratch;
-    std::ofstream(scratch.path("loop.bas"), std::ios::binary) << "$top print 1\r\ngoto $top\r\n";
-    console.start(scratch.path("loop.bas").c_str());
-    EXPECT_EQ(host.last_error, error_break);
-    EXPECT_NE(console.screen().find("\nBreak at 100.\nOk\n"), std::string::npos);
 }
