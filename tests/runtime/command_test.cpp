@@ -90,7 +90,6 @@ TEST(list_and_renum, list_a_range_and_renumber_from_start_by_step)
         {"renum ,5: list", "100 i=1\n105 i=2\n110 i=3\nOk\n"}, {"renum 7,: list", "7 i=1\n17 i=2\n27 i=3\nOk\n"},
         {"renum 10,0", "Illegal parameter.\nOk\n"},  {"renum 0", "Illegal parameter.\nOk\n"},
         {"renum -1", "Illegal parameter.\nOk\n"},    {"renum 10;5", "Illegal parameter.\nOk\n"},
-        {"renum 99998,1: list", "99998 i=1\n99999 i=2\n100000 i=3\nOk\n"},  // past the typeable numbers
         {"renum 2147483645,1: list", "2147483645 i=1\n2147483646 i=2\n2147483647 i=3\nOk\n"},
         {"renum 2147483646,1", "Illegal parameter.\nOk\n"}, {"renum 1,1073741824", "Illegal parameter.\nOk\n"},
         {"renum 1,1073741823: list", "1 i=1\n1073741824 i=2\n2147483647 i=3\nOk\n"},
@@ -143,16 +142,13 @@ TEST(set_text_color, colours_characters_printed_afterwards_and_keeps_the_colour_
     EXPECT_EQ(console.engine.text_editor.text_color, 0xF8000000u);
 }
 
-TEST(end_new_exit, end_stops_quietly_new_deletes_the_program_and_its_variables_exit_clears_running)
+// exit is the end-to-end cases exit and exit_in_program.
+TEST(end_and_new, end_stops_quietly_and_new_deletes_the_program_and_its_variables)
 {
     expect_outputs({
         {"end: print 1", "Ok\n"},  {"new: print 1", "Ok\n"},  {"10 print 1\n20 end\n30 print 3\nrun", "1\nOk\n"},
         {"10 i=7\n20 print i\nrun\nnew\nlist: print i", "0\nOk\n"},
     });
-    test_console console;
-    console.resource()->running = true;
-    EXPECT_EQ(console.output("exit: print \"bye\""), "bye\nOk\n");
-    EXPECT_FALSE(console.resource()->running);
 }
 
 TEST(save_and_load, give_the_program_back_numbered_from_100_and_report_device_errors)
