@@ -213,14 +213,6 @@ test('a .bas file dropped on the screen is loaded; copy link makes a #run= link 
   await shared.close();
 });
 
-test('a #run= link starts with its program running', async () => {
-  const program = 'for i=1 to 2\nprint "shared " + i*21\nnext\n';
-  const page = await open_page('#run=' + encodeURIComponent(program));
-  await screen_shows(page, /^shared 21\nshared 42$/);
-  assert.deepEqual(page.errors, []);
-  await page.close();
-});
-
 test('a #run= link whose program cannot be loaded says why and waits at Ok', async () => {
   const page = await open_page('#run=' + encodeURIComponent(`print "never"\nprint "${'x'.repeat(300)}"\n`));
   await page.locator('#status', { hasText: '"/tmp/link.bas" line 2: Too long line' }).waitFor(wait);
