@@ -17,7 +17,7 @@ TEST(function_table, keeps_every_function_in_the_row_stored_code_names)
     }
 }
 
-TEST(functions, compute_reals_with_the_c_library)
+TEST(functions, compute_reals_with_the_c_library_colours_and_strings)
 {
     expect_printed({
         {"sin(0)", "0.000000"},     {"cos(0)", "1.000000"},    {"tan(1)", "1.557408"},    {"log(1)", "0.000000"},
@@ -27,21 +27,10 @@ TEST(functions, compute_reals_with_the_c_library)
         {"log(0)", "-inf"},         // no domain checks: what the C library gives
         {"sin(\"x\")", "0.000000"}, // a string reads as 0.0
         {"abs(-2)", "2.000000"},    {"abs(-2.5)", "2.500000"},  // always real
-    });
-}
-
-TEST(functions, rgb_halves_red_and_blue_and_saturates_every_component)
-{
-    expect_printed({
+        // rgb halves red and blue and saturates every component.
         {"rgb(1,1,1)", "32"},       {"rgb(-5,70,64)", "2047"},  {"rgb(63,63,63)", "65535"},
         {"rgb(62,0,0)", "63488"},   {"rgb(61,0,0)", "61440"},   {"rgb(0,63,0)", "2016"},
         {"rgb(0,64,0)", "2016"},    {"rgb(0,0,2)", "1"},        {"rgb(-2147483648,0,-2147483648)", "0"},
-    });
-}
-
-TEST(functions, cut_count_and_write_strings)
-{
-    expect_printed({
         {"mid(\"HELLO\",1,3)", "ELL"}, {"mid(\"HELLO\",3)", "LO"},   {"mid(\"HELLO\",-2,2)", "HE"},
         {"mid(\"HELLO\",9)", ""},      {"mid(\"HELLO\",2,-1)", ""},  {"mid(12345,1,2)", "23"},
         {"mid(\"ABC\",2)", "C"},       {"mid(\"ABC\",3)", ""},       {"mid(\"ABC\",1,2)", "BC"},
