@@ -104,6 +104,14 @@ TEST_F(window_session, typed_keys_present_the_image_the_engine_composes_without_
     EXPECT_EQ(host.finish(), 0);
 }
 
+TEST_F(window_session, text_input_types_each_character_it_cannot_show_as_one_question_mark)
+{
+    push_text("print \"\xC3\xA9\xE2\x82\xAC");  // e acute (AltGr or a dead key), the euro sign
+    push_text("x\"");
+    push(SDL_KEYDOWN, SDLK_RETURN);
+    EXPECT_TRUE(step_until([&] { return shows("print \"??x\"\n??x\nOk\n"); })) << screen_text(host.engine_for_reading());
+}
+
 TEST_F(window_session, paste_types_the_clipboard_as_keys_even_past_a_full_ring)
 {
     // 160 keys before the first Enter: more than the ring's 127, so the feeder has to wait for room.
