@@ -57,16 +57,6 @@ TEST(cls, clears_the_grid_and_an_error_after_it_is_reported_from_row_0)
     EXPECT_EQ(console.screen(), "Syntax error.\nOk\n");
 }
 
-TEST(errors, a_report_on_the_bottom_row_scrolls_and_keeps_its_order)
-{
-    test_console console;
-    console.enter("locate 0, 28: print 1/0");
-    EXPECT_EQ(console.row(26), "1");
-    EXPECT_EQ(console.row(27), "Division by zero.");
-    EXPECT_EQ(console.row(28), "Ok");
-    EXPECT_EQ(console.cursor_y(), 29);
-}
-
 TEST(sleep, sleeps_through_the_host_unless_its_argument_fails)
 {
     test_console console;
