@@ -50,7 +50,6 @@ const key_session key_sessions[] = {
     {keys(key_down) + "keep" + keys(key_down, 28) + keys(key_enter), "keep\n", 0, 29},
 };
 
-
 // Text a program writes from a cursor placed with locate: characters overwrite, "\r" moves straight down.
 struct output_case {
     int x, y;
@@ -82,10 +81,6 @@ void print(test_console& console, const std::string& text)
     editor.put_str(text.c_str(), static_cast<int>(text.size()));
     editor.input_mode = true;
 }
-
-
-
-
 
 // Lines typed and entered: what is stored, where the cursor goes, and the error a bad line reports.
 struct entry_case {
