@@ -16,7 +16,7 @@ struct c_test_host : c_vexil_callback {
     }
     void lock() override { mutex.lock(); }
     void unlock() override { mutex.unlock(); }
-    void update_screen() override { ++screen_updates; }
+    void update_screen() override {}
     void update_text() override { ++text_updates; }
     void error_reported(int code, int) override { last_error = code; }
     void waiting_for_key() override
@@ -28,7 +28,6 @@ struct c_test_host : c_vexil_callback {
     unsigned long slept_ms = 0;
     int sleeps = 0;
     int break_on_sleep = 0;  // the sleep that asks for a break; 0: none does
-    int screen_updates = 0;
     int text_updates = 0;
     int last_error = 0;
     bool quit_when_idle = true;
