@@ -1,4 +1,5 @@
 // The commands as a session sees them: lines typed at the prompt, the screen read back as rows.
+// Cases the language reference shows as examples (run by its own test) are not repeated here.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -14,8 +15,7 @@ TEST(print, prints_one_value_and_a_line_end_unless_a_semicolon_follows_then_repo
 {
     expect_outputs({
         {"print", "\nOk\n"},                        {"print ;", "Ok\n"},
-        {"print \"A\";: print \"B\"", "AB\nOk\n"},  {"print 1 print 2", "1\n2\nOk\n"},
-        {"printh 5", "5\nOk\n"},                    {"print \"A\";", "A\nOk\n"},  // Ok goes to the next row
+        {"print 1 print 2", "1\n2\nOk\n"},         {"print \"A\";", "A\nOk\n"},  // Ok goes to the next row
         {"print 1, 2", "1\nSyntax error.\nOk\n"},   {"r=10.0^300: print r", "Out of string space.\nOk\n"},
         {"PRINT 1", "Syntax error.\nOk\n"},
     });
@@ -76,7 +76,6 @@ TEST(list_and_renum, list_a_range_and_renumber_from_start_by_step)
         {"list 30: print 1", "30 i=3\n1\nOk\n"},     {"list 10;20", "Illegal parameter.\nOk\n"},
         {"list 10 20", "Illegal parameter.\nOk\n"},
         {"renum: list", "100 i=1\n110 i=2\n120 i=3\nOk\n"},
-        {"renum 1000, 5: list", "1000 i=1\n1005 i=2\n1010 i=3\nOk\n"},
         {"renum ,5: list", "100 i=1\n105 i=2\n110 i=3\nOk\n"}, {"renum 7,: list", "7 i=1\n17 i=2\n27 i=3\nOk\n"},
         {"renum 10,0", "Illegal parameter.\nOk\n"},  {"renum 0", "Illegal parameter.\nOk\n"},
         {"renum -1", "Illegal parameter.\nOk\n"},    {"renum 10;5", "Illegal parameter.\nOk\n"},
@@ -150,11 +149,6 @@ TEST(save_and_load, give_the_program_back_numbered_from_100_and_report_device_er
     EXPECT_EQ(console.output("new\n" + named("load", "p.bas") + ": print 5\nlist"), "100 i=1\n110 print i\nOk\n");
     EXPECT_EQ(console.output("new\n10 " + named("load", "p.bas") + "\n20 print 2\nrun\nlist"),  // ends the run
               "100 i=1\n110 print i\nOk\n");
-    EXPECT_EQ(console.output(named("load", "missing.txt") + "\nlist"), "Ok\n");  // no program left
-    EXPECT_EQ(console.output(named("load", "missing.txt")), "Device I/O error.\nOk\n");
-    EXPECT_EQ(console.output("10 print 1\n20 x=1\n30 print 3\n" + named("save", "bad.bas")), "Ok\n");
-    EXPECT_EQ(console.output(named("load", "bad.bas")), "Device I/O error.\nOk\n");
-    EXPECT_EQ(console.output("list"), "100 print 1\n110 x=1\nOk\n");  // the lines read are kept
     EXPECT_EQ(console.output(named("save", "missing/p.bas")), "Device I/O error.\nOk\n");
     EXPECT_EQ(console.output(named("load", ".") + "\nlist"), "Ok\n");  // a directory opens but cannot be read
     EXPECT_EQ(console.output(named("load", ".")), "Device I/O error.\nOk\n");
