@@ -1,4 +1,5 @@
 // The statement loop as a session sees it: numbered lines stored, a line entered, the rows below it read.
+// Cases the language reference shows as examples (run by its own test) are not repeated here.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,17 +9,12 @@
 TEST(for_next, loops_run_their_body_by_step_and_limit_and_malformed_ones_report_their_codes)
 {
     expect_outputs({
-        {"for i=1 to 6 step 2: print i: next", "1\n3\n5\nOk\n"},
-        {"for i=3 to 1 step -1: print i: next", "3\n2\n1\nOk\n"},
-        {"for i=10 to 1: print i: next", "10\nOk\n"},       // FOR never tests its condition
         {"for i=1 to 3 step 0: print i: next", "1\nOk\n"},  // the counter differs from the limit
         {"for i=1 to 2.9: print i: next", "1\n2\nOk\n"},
-        {"for i=1 to 2: for ia=1 to 2: print i*10+ia: next: next", "11\n12\n21\n22\nOk\n"},
         {"10 for i=1 to 2\n20 print i\n30 next\n40 print \"done\" + i\nrun", "1\n2\ndone3\nOk\n"},
         // Malformed loops report their codes.
-        {"for r=1 to 3", "Illegal loop counter.\nOk\n"},    {"for s=1 to 3", "Illegal loop counter.\nOk\n"},
-        {"for i=1, 3", "Illegal parameter.\nOk\n"},         {"for i=1/0 to 3", "Division by zero.\nOk\n"},
-        {"for i=1 to 3 step 1/0", "Division by zero.\nOk\n"}, {"next", "NEXT without FOR.\nOk\n"},
+        {"for s=1 to 3", "Illegal loop counter.\nOk\n"},    {"for i=1, 3", "Illegal parameter.\nOk\n"},
+        {"for i=1/0 to 3", "Division by zero.\nOk\n"},     {"for i=1 to 3 step 1/0", "Division by zero.\nOk\n"},
         // NEXT takes no operand: once the loop is done, the name is a statement of its own.
         {"for i=1 to 2: print i: next i", "1\n2\nSyntax error.\nOk\n"},
     });
@@ -55,15 +51,13 @@ TEST(jumps, goto_gosub_and_if_take_only_defined_labels_and_false_falls_through)
         {"10 gosub $a: print \"back\"\n20 print \"next\": end\n30 $a print \"a\": gosub $b: return\n"
          "40 $b print \"b\": return\nrun", "a\nb\nback\nnext\nOk\n"},
         {"gosub 100", "Illegal parameter.\nOk\n"},  {"gosub $nowhere", "Invalid label.\nOk\n"},
-        {"goto", "Illegal parameter.\nOk\n"},       {"goto $nowhere", "Invalid label.\nOk\n"},
+        {"goto", "Illegal parameter.\nOk\n"},
         // From the immediate line into the program: later errors name their line.
         {"100 print \"a\"\n110 $start print \"b\"\n120 i=1/0\ngoto $start", "b\nDivision by zero at 120.\nOk\n"},
         {"i=0: $x i=i+1: if i<3 then $x: print i", "3\nOk\n"},  // an immediate line's own labels
         // IF: both branches are jumps, and false falls through.
         {"if 1 goto $y: print \"no\": $y print \"yes\"", "yes\nOk\n"},
-        {"if 0 then $y: print \"no\": $y print \"yes\"", "no\nyes\nOk\n"},
         {"if 0 then $y else $n: end: $y print \"y\": end: $n print \"n\"", "n\nOk\n"},
-        {"if 1 then $y else $n: end: $y print \"y\": end: $n print \"n\"", "y\nOk\n"},
         {"if 0.5 then $y: print \"fell\": end: $y print \"jumped\"", "fell\nOk\n"},  // truncated first
         {"if -1.5 then $y: print \"fell\": end: $y print \"jumped\"", "jumped\nOk\n"},
         {"if 1 print 1", "Syntax error.\nOk\n"},   {"if 1 then print 1", "Syntax error.\nOk\n"},
@@ -130,7 +124,7 @@ TEST(dim, dimensions_every_array_listed_up_to_its_limits)
         {"dim", "Ok\n"},  {"dim ia(5),", "Ok\n"},
         {"dim ia(5), ra(3,3): ra(3,3)=2: print ra(3,3)", "2.000000\nOk\n"},
         {"dim ia(65535): ia(65535)=4: print ia(65535)", "4\nOk\n"},
-        {"dim ia(5): dim ia(5)", "Redimensioned array.\nOk\n"},  {"ia(3)=1: dim ia(5)", "Redimensioned array.\nOk\n"},
+        {"ia(3)=1: dim ia(5)", "Redimensioned array.\nOk\n"},
         {"dim ia(5): ia(6)=1", "Subscript out of range.\nOk\n"}, {"dim ia(-1)", "Subscript out of range.\nOk\n"},
         {"dim ia(65536)", "Subscript out of range.\nOk\n"},      {"dim ia(1,1,1,1,1,1,1,1,1)", "Syntax error.\nOk\n"},
         {"dim i", "Syntax error.\nOk\n"},  {"dim ia 5", "Syntax error.\nOk\n"},
