@@ -29,7 +29,6 @@ const immediate_case immediate_cases[] = {
     {"print 1/0\r", "print 1/0\n1\nDivision by zero.\nOk\n", 4, error_division_by_zero},  // below what was printed
     {"cls: next\r", "NEXT without FOR.\nOk\n", 2, error_next_without_for},
     {"10 next\rrun\r", "10 next\nrun\nNEXT without FOR at 10.\nOk\n", 4, error_next_without_for},
-    {"i=0: $again: i=i+1: if i<3 then $again: print i\r", "i=0: $again: i=i+1: if i<3 then $again: print i\n3\nOk\n", 3, 0},
     // A label in an immediate line is gone once the line has run.
     {"10 goto $here\r$here: print 1\rrun\r", "10 goto $here\n$here: print 1\n1\nOk\nrun\nInvalid label at 10.\nOk\n", 7, error_invalid_label},
 };

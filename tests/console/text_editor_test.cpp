@@ -103,7 +103,6 @@ const entry_case entries[] = {
     {"10 " + quoted(249) + "\r", 0, "", 6, error_too_long_line},
     {"10 " + quoted(330) + "\r", 0, "", 7, error_too_long_line},  // found walking back from the cursor's row
     {"123456 i=1\r", 0, "", 3, error_illegal_line_number},
-    {"10 i=1\r10\r", 0, "", 2, 0},  // a number alone deletes the line
 };
 
 }  // namespace
