@@ -50,7 +50,6 @@ const key_session key_sessions[] = {
     {keys(key_down) + "keep" + keys(key_down, 28) + keys(key_enter), "keep\n", 0, 29},
 };
 
-
 // Text a program writes from a cursor placed with locate: characters overwrite, "\r" moves straight down.
 struct output_case {
     int x, y;
@@ -83,10 +82,6 @@ void print(test_console& console, const std::string& text)
     editor.input_mode = true;
 }
 
-
-
-
-
 // Lines typed and entered: what is stored, where the cursor goes, and the error a bad line reports.
 struct entry_case {
     std::string keys;
@@ -108,7 +103,6 @@ const entry_case entries[] = {
     {"10 " + quoted(249) + "\r", 0, "", 6, error_too_long_line},
     {"10 " + quoted(330) + "\r", 0, "", 7, error_too_long_line},  // found walking back from the cursor's row
     {"123456 i=1\r", 0, "", 3, error_illegal_line_number},
-    {"10 i=1\r10\r", 0, "", 2, 0},  // a number alone deletes the line
 };
 
 }  // namespace

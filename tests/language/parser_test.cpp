@@ -224,17 +224,3 @@ TEST(tokenizer_labels, definitions_at_a_statement_start_bind_to_the_record_and_t
     EXPECT_EQ(w.label("b")->line, &later);
     EXPECT_EQ(w.label("b")->position, 17);
 }
-
-TEST(tokenizer_labels, releasing_the_defining_line_clears_the_definition)
-{
-    workspace w;
-    c_program_line record;
-    c_parser referring(&w.resource);
-    ASSERT_EQ(w.parser.precompile("$top print 1", &record), 0);
-    ASSERT_EQ(referring.precompile("goto $top", nullptr), 0);
-    w.parser.variable_release();
-    EXPECT_EQ(w.label("top")->line, nullptr);
-    EXPECT_EQ(w.label("top")->reference_count, 1);
-    referring.variable_release();
-    EXPECT_TRUE(w.registry_empty());
-}

@@ -8,10 +8,15 @@
 #include "engine/vexil.h"
 
 struct c_test_host : c_vexil_callback {
-    void sleep(unsigned int ms) override { slept_ms += ms; }
+    void sleep(unsigned int ms) override
+    {
+        slept_ms += ms;
+        if (++sleeps == break_on_sleep)  // as Control+C during a long loop would
+            p_engine->force_break();
+    }
     void lock() override { mutex.lock(); }
     void unlock() override { mutex.unlock(); }
-    void update_screen() override { ++screen_updates; }
+    void update_screen() override {}
     void update_text() override { ++text_updates; }
     void error_reported(int code, int) override { last_error = code; }
     void waiting_for_key() override
@@ -21,7 +26,8 @@ struct c_test_host : c_vexil_callback {
     }
 
     unsigned long slept_ms = 0;
-    int screen_updates = 0;
+    int sleeps = 0;
+    int break_on_sleep = 0;  // the sleep that asks for a break; 0: none does
     int text_updates = 0;
     int last_error = 0;
     bool quit_when_idle = true;

