@@ -92,6 +92,7 @@ protected:
 
 private:
     void run_engine();
+    void close_channels();  // engine thread, once run has returned
     void feed_keys();
     void keep_breaking(std::unique_lock<std::mutex>& guard);
     bool check_program_file();
