@@ -49,12 +49,8 @@ function text_codes(text) {
 
 // Keys typed while the page still loads wait here and go in when the engine starts.
 let early_keys = [];
-// The session's reports since the last key: those of the end (a channel that could not be closed)
-// stay beside the end's message.
-let recent_reports = '';
 
 function send_keys(codes) {
-  recent_reports = '';
   if (early_keys !== null) {
     early_keys = early_keys.concat(codes);
     return;
@@ -233,13 +229,6 @@ function fit_canvas() {
   canvas.style.height = canvas.height * scale / ratio + 'px';
 }
 
-function take_reports() {
-  const reports = Module.UTF8ToString(Module._vexil_reports()).trim();
-  if (reports === '') return;
-  recent_reports = (recent_reports + ' ' + reports).trim();
-  status_line.textContent = reports;
-}
-
 function draw(image) {
   keep_program();
   if (Module._vexil_frame()) {
@@ -249,15 +238,14 @@ function draw(image) {
     const text = Module.UTF8ToString(Module._vexil_text());
     if (screen_text.textContent !== text) screen_text.textContent = text;
     if (vexil_page.first_ok_ms === null && /^Ok$/m.test(text)) vexil_page.first_ok_ms = performance.now();
-    // A program file that cannot be loaded leaves the console at Ok; the reason shows here, as does a
-    // program brought back.
-    take_reports();
+    // A program file that cannot be loaded leaves the console at Ok; the reason shows here.
+    const reports = Module.UTF8ToString(Module._vexil_reports()).trim();
+    if (reports !== '') status_line.textContent = reports;
   }
   if (Module._vexil_ended()) {
     vexil_page.ended_ms = performance.now();
     sync_files();
-    take_reports();
-    status_line.textContent = (recent_reports + ' VEXIL has ended: reload the page to start again.').trim();
+    status_line.textContent = 'VEXIL has ended: reload the page to start again.';
     document.body.dataset.state = 'ended';
     return;
   }
@@ -303,9 +291,7 @@ canvas.addEventListener('drop', event => {
   canvas.classList.remove('dropping');
   if (event.dataTransfer.files.length > 0) open_program(event.dataTransfer.files[0]);
 });
-document.addEventListener('visibilitychange', () => {
-  if (document.visibilityState === 'hidden') keep_program();
-});
+document.addEventListener('visibilitychange', () => { if (document.visibilityState === 'hidden') keep_program(); });
 window.addEventListener('pagehide', keep_program);
 document.addEventListener('keydown', on_key_down);
 document.addEventListener('paste', on_paste);

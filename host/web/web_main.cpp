@@ -58,8 +58,7 @@ EMSCRIPTEN_KEEPALIVE const char* vexil_text()
     return p_web_host->text().c_str();
 }
 
-// The session's reports since the last call (a program file that cannot be loaded, a program brought
-// back, a channel that could not be closed at the end), one a line.
+// The session's reports since the last call (a program file that cannot be loaded), one a line.
 EMSCRIPTEN_KEEPALIVE const char* vexil_reports()
 {
     reports = p_web_host->take_reports();

@@ -1,6 +1,5 @@
 // The web page in headless Chromium (Debian's), driven by Playwright: typing, the canvas, paste, the
-// break, files and the unsaved program kept across a reload, #run= links. Reads the console through
-// #screen-text.
+// break, files and the unsaved program kept across a reload, #run= links. Reads the console through #screen-text.
 //   node --test tests/web    (after make web; make test-web does both)
 import { after, before, test } from 'node:test';
 import assert from 'node:assert/strict';
@@ -191,8 +190,7 @@ test('save, a reload and load bring a program back; data files are kept too', as
 test('an unsaved program comes back after a reload, until it is saved', async () => {
   const page = await ready_page();
   await enter(page, '10 print "unsaved"');
-  await page.waitForFunction(() => /print "unsaved"/.test(localStorage.getItem('vexil-unsaved-program')),
-    null, wait);
+  await page.waitForFunction(() => /print "unsaved"/.test(localStorage.getItem('vexil-unsaved-program')), null, wait);
   await page.reload();
   await page.locator('#status', { hasText: 'not saved in the last session is back' }).waitFor(wait);
   await enter(page, 'list');
