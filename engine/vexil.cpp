@@ -26,8 +26,7 @@ c_vexil::~c_vexil()
     if (system_resource.p_callback == nullptr)
         return;
     interpreter.dimension_free();
-    // A host that can report a lost write closes the channels itself before this.
-    (void)interpreter.all_file_close();
+    interpreter.all_file_close();
     interpreter.program_list.clear();
     text_layer.release();
     graphic_layer.release();

@@ -148,7 +148,6 @@ void c_session::start()
 void c_session::run_engine()
 {
     engine.run(program_name.empty() ? nullptr : options.program_file.c_str());
-    close_channels();
     if (!kept_program_path.empty())
         keep_program();  // a line stored just before exit, with no wait for a key after it
     {
@@ -350,18 +349,6 @@ int c_session::file_line_of(int program_line) const
 {
     const long long index = (static_cast<long long>(program_line) - load_first_number) / load_number_step;
     return index >= 0 && index < static_cast<long long>(file_lines.size()) ? file_lines[index] : program_line;
-}
-
-// A channel a program left open still holds bytes that only its close writes: closed here, where a
-// failure can still be told, rather than silently when the engine goes. It is an error of the session.
-void c_session::close_channels()
-{
-    for (int channel = 0; channel < channel_count; ++channel) {
-        if (int code = engine.interpreter.close_channel(channel); code != error_none) {
-            report("closing channel " + std::to_string(channel) + " at the end: " + error_message(code));
-            error_seen = true;
-        }
-    }
 }
 
 void c_session::keep_program()

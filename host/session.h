@@ -101,8 +101,7 @@ protected:
 
 private:
     void run_engine();
-    void close_channels();  // engine thread, once run has returned
-    void keep_program();    // engine thread
+    void keep_program();  // engine thread
     void note_kept_program();
     void feed_keys();
     void keep_breaking(std::unique_lock<std::mutex>& guard);

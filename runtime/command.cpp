@@ -103,15 +103,12 @@ void cmd_exit(const unsigned char*&, c_system_resource* res)
 }
 
 // Whatever follows run on its line is not executed. A first line whose translation failed stops
-// the run there, as any such line does; so does a channel whose close lost bytes, before anything runs.
+// the run there, as any such line does.
 void cmd_run(const unsigned char*& p, c_system_resource* res)
 {
     dlog.printf("  run\n");
     c_interpreter* interpreter = res->p_interpreter;
-    if (int code = interpreter->all_file_close(); code != error_none) {
-        res->error_code.raise(code);
-        return;
-    }
+    interpreter->all_file_close();
     interpreter->dimension_free();
     c_program_list& program = interpreter->program_list;
     program.current = program.first;

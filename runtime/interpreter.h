@@ -64,11 +64,7 @@ public:
     void file_print(int channel, const char* text, int length);
     int file_input(int channel, char* buffer, int size);
     int file_eof(int channel);
-    // Channel 0 to 9, closed whether or not the close succeeds; returns 0, or 11 "Device I/O error"
-    // when the bytes the stream still held could not be written. Records nothing.
-    [[nodiscard]] int close_channel(int channel);
-    // Every channel, 0 to 9, each one also after another failed; the first failure's code. Records nothing.
-    [[nodiscard]] int all_file_close();
+    void all_file_close();
 
     c_system_resource* p_system_resource = nullptr;
     c_command command;

@@ -1,6 +1,8 @@
 // The page's frames and the session's image marks and reports.
 #include "host/web/web_host.h"
 
+#include <cstdio>
+
 #include "host/screen_capture.h"
 
 namespace {
@@ -77,9 +79,11 @@ void c_web_host::report(const std::string& line)
     reports += line + '\n';
 }
 
-// The session has closed the channels a program left open, so the page keeps their files whole.
+// The engine lives on with the page, so a channel left open at `exit` is not closed as it is when a
+// process ends: its data is flushed into the file, which the page then keeps.
 void c_web_host::on_engine_ended()
 {
+    std::fflush(nullptr);
     image_dirty = true;
     run_ended = true;
 }
