@@ -238,7 +238,8 @@ function draw(image) {
     const text = Module.UTF8ToString(Module._vexil_text());
     if (screen_text.textContent !== text) screen_text.textContent = text;
     if (vexil_page.first_ok_ms === null && /^Ok$/m.test(text)) vexil_page.first_ok_ms = performance.now();
-    // A program file that cannot be loaded leaves the console at Ok; the reason shows here.
+    // A program file that cannot be loaded leaves the console at Ok; the reason shows here, as does an
+    // unsaved program brought back.
     const reports = Module.UTF8ToString(Module._vexil_reports()).trim();
     if (reports !== '') status_line.textContent = reports;
   }

@@ -26,8 +26,8 @@ public:
     const std::uint8_t* image() const { return reinterpret_cast<const std::uint8_t*>(upright.data()); }
     const std::string& text() const { return grid_text; }
     bool ended() const { return run_ended; }
-    // The lines the session reported (a program file that cannot be loaded), each ending in a line
-    // feed; taking them empties the list.
+    // The lines the session reported (a program file that cannot be loaded, an unsaved program brought
+    // back), each ending in a line feed; taking them empties the list.
     std::string take_reports();
 
     void update_screen() override;

@@ -58,7 +58,8 @@ EMSCRIPTEN_KEEPALIVE const char* vexil_text()
     return p_web_host->text().c_str();
 }
 
-// The session's reports since the last call (a program file that cannot be loaded), one a line.
+// The session's reports since the last call (a program file that cannot be loaded, an unsaved program
+// brought back), one a line.
 EMSCRIPTEN_KEEPALIVE const char* vexil_reports()
 {
     reports = p_web_host->take_reports();
