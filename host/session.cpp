@@ -148,6 +148,8 @@ void c_session::start()
 void c_session::run_engine()
 {
     engine.run(program_name.empty() ? nullptr : options.program_file.c_str());
+    if (!kept_program_path.empty())
+        keep_program();  // a line stored just before exit, with no wait for a key after it
     {
         std::lock_guard<std::mutex> guard(mutex);
         run_returned = true;
@@ -239,11 +241,27 @@ void c_session::recover_program()
     if (program.first == nullptr || !program.differs_from_file())
         return;
     const std::string name = unused_file_name("vexil-recovered", ".bas", 0);
-    if (engine.interpreter.program_list.save(name.c_str()) == 0) {
+    if (!program.write(name.c_str())) {
         report("the program was not saved and cannot be written to " + in_quotes(name) + ": " + std::strerror(errno));
         return;
     }
     report("the program was not saved: it is in " + in_quotes(name) + "; type load " + in_quotes(name) + " to get it back");
+}
+
+void c_session::keep_program_in(const std::string& path)
+{
+    kept_program_path = path;
+    c_program_list& program = engine.interpreter.program_list;
+    std::error_code failure;
+    if (std::filesystem::exists(path, failure)) {
+        (void)program.load(path.c_str(), load_first_number, load_number_step);
+        engine.system_resource.error_code = error_none;
+        if (program.first != nullptr) {
+            program.changes_at_file = program.changes - 1;  // from no file of the user's
+            report("the program not saved in the last session is back: list shows it, save keeps it");
+        }
+    }
+    note_kept_program();
 }
 
 void c_session::sleep(unsigned int ms)
@@ -288,6 +306,8 @@ void c_session::error_reported(int, int)
 void c_session::waiting_for_key()
 {
     idle = true;
+    if (!kept_program_path.empty())
+        keep_program();
     std::lock_guard<std::mutex> guard(mutex);
     // The ring was just found empty, and input_ended is set only once every key is in it.
     if (ending || (input_ended && engine.keyboard.room() == c_keyboard::capacity))
@@ -297,6 +317,7 @@ void c_session::waiting_for_key()
 void c_session::startup_loaded(int code)
 {
     c_program_list& program = engine.interpreter.program_list;
+    note_kept_program();  // a program file loaded at the start is no change to keep
     if (code == error_none) {
         program_as_loaded = true;
         loaded_changes = program.changes;
@@ -328,6 +349,25 @@ int c_session::file_line_of(int program_line) const
 {
     const long long index = (static_cast<long long>(program_line) - load_first_number) / load_number_step;
     return index >= 0 && index < static_cast<long long>(file_lines.size()) ? file_lines[index] : program_line;
+}
+
+void c_session::keep_program()
+{
+    const c_program_list& program = engine.interpreter.program_list;
+    if (program.changes == kept_at_changes && program.changes_at_file == kept_at_file_changes)
+        return;
+    note_kept_program();
+    if (program.first == nullptr || !program.differs_from_file())
+        std::remove(kept_program_path.c_str());
+    else if (!program.write(kept_program_path.c_str()))
+        report("the program cannot be kept in " + in_quotes(kept_program_path) + ": " + std::strerror(errno));
+    ++kept_changes;
+}
+
+void c_session::note_kept_program()
+{
+    kept_at_changes = engine.interpreter.program_list.changes;
+    kept_at_file_changes = engine.interpreter.program_list.changes_at_file;
 }
 
 void c_session::feed_keys()

@@ -6,6 +6,7 @@
 // at --timeout and, once it is ending, keeps breaking until run returns; the host's own call the rest.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -65,6 +66,14 @@ public:
     // Writes the stored program to vexil-recovered.bas (-2, -3, ... beside an older one) when it differs
     // from what was last saved or loaded, and says so; after finish.
     void recover_program();
+    // For a host whose end comes without warning (a web page closed), after initialize and before start:
+    // a program an earlier session kept in `path` is loaded, numbered as load numbers it, and says so;
+    // it counts as unsaved. From then on, each time the console waits for a key after the program
+    // changed, `path` holds the program while it differs from what was last saved or loaded, and is
+    // removed while it does not. Never partly written: a reader finds the old program or the new one.
+    void keep_program_in(const std::string& path);
+    // How often the kept file was rewritten or removed; any thread.
+    unsigned kept_program_changes() const { return kept_changes.load(); }
 
     c_vexil engine;
 
@@ -92,6 +101,8 @@ protected:
 
 private:
     void run_engine();
+    void keep_program();  // engine thread
+    void note_kept_program();
     void feed_keys();
     void keep_breaking(std::unique_lock<std::mutex>& guard);
     bool check_program_file();
@@ -105,6 +116,10 @@ private:
     std::vector<int> file_lines;   // by load order: the file line each number was given to
     unsigned loaded_changes = 0;   // the program's change count after the start-up load
     bool program_as_loaded = false;
+    std::string kept_program_path;  // empty: no program is kept
+    unsigned kept_at_changes = 0;   // the program's counts when the kept file was last brought up to date
+    unsigned kept_at_file_changes = 0;
+    std::atomic<unsigned> kept_changes{0};
 
     // Under the mutex.
     std::deque<int> pending_keys;

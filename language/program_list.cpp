@@ -231,6 +231,16 @@ void c_program_list::clear()
 
 int c_program_list::save(const char* name)
 {
+    if (!write(name)) {
+        p_system_resource->error_code.raise(error_device_io);
+        return 0;
+    }
+    changes_at_file = changes;
+    return 1;
+}
+
+bool c_program_list::write(const char* name) const
+{
     std::error_code failure;
     // Through a symbolic link the file it leads to is replaced, and the link stays a link.
     std::filesystem::path target = name;
@@ -240,12 +250,7 @@ int c_program_list::save(const char* name)
             target = resolved;
     }
     const bool replace = std::filesystem::is_regular_file(target, failure) || !std::filesystem::exists(target, failure);
-    if (!(replace ? write_replacing(target.c_str(), first) : write_in_place(name, first))) {
-        p_system_resource->error_code.raise(error_device_io);
-        return 0;
-    }
-    changes_at_file = changes;
-    return 1;
+    return replace ? write_replacing(target.c_str(), first) : write_in_place(name, first);
 }
 
 // Every file line takes a number, blank ones too, so a file of more lines than the numbers up to 99999

@@ -26,6 +26,8 @@ public:
     void clear();
     // 1, or 0 with 11 "Device I/O error"; on failure a file saved over is left as it was.
     int save(const char* name);
+    // Writes the file as save does, but records no error and leaves the program counted as unsaved.
+    bool write(const char* name) const;
     // 1, or 0 with the error set: 12 "Cannot open file" for a file that cannot be opened or read.
     int load(const char* name, int start, int step);
     void list(int from, int to);

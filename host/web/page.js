@@ -1,11 +1,13 @@
 // The page around the engine: the canvas and #screen-text, keys and paste, the files kept in the
-// browser (IndexedDB, mounted as the working directory) and the menu. The engine runs on threads of its
-// own (vexil.js), so nothing here ever waits for it: keys are queued, and each animation frame takes the
-// image only when it changed.
+// browser (IndexedDB, mounted as the working directory), the unsaved program kept in localStorage and
+// the menu. The engine runs on threads of its own (vexil.js), so nothing here ever waits for it: keys
+// are queued, and each animation frame takes the image only when it changed.
 'use strict';
 
 const home = '/vexil';              // the working directory: saved programs and data files
 const run_file = '/tmp/link.bas';   // a #run= program, not kept
+const kept_program_file = '/tmp/unsaved.bas';  // the session keeps the unsaved program here
+const kept_program_key = 'vexil-unsaved-program';  // and the page keeps it in localStorage
 const canvas = document.getElementById('screen');
 const context = canvas.getContext('2d');
 const screen_text = document.getElementById('screen-text');
@@ -188,6 +190,36 @@ async function open_program(file) {
   canvas.focus();
 }
 
+// The program the engine holds and has not saved, copied to localStorage each time the session rewrites
+// or removes its file, and once more when the page is hidden or left: the next page loads it.
+let kept_program_changes = 0;
+
+function keep_program() {
+  if (early_keys !== null) return;
+  const changes = Module._vexil_kept_program_changes();
+  if (changes === kept_program_changes) return;
+  kept_program_changes = changes;
+  try {
+    if (FS.analyzePath(kept_program_file).exists)
+      localStorage.setItem(kept_program_key, FS.readFile(kept_program_file, { encoding: 'utf8' }));
+    else
+      localStorage.removeItem(kept_program_key);
+  } catch (error) {
+    status_line.textContent = 'The unsaved program could not be kept: ' + error.message;
+  }
+}
+
+// Not with a #run= link, which brings its own program: the kept one waits for the next page.
+function restore_program() {
+  let text = null;
+  try {
+    text = localStorage.getItem(kept_program_key);
+  } catch (error) {
+    status_line.textContent = 'The unsaved program could not be read: ' + error.message;
+  }
+  if (text !== null) FS.writeFile(kept_program_file, text);
+}
+
 // The largest whole scale in device pixels, so that every screen pixel is the same size.
 function fit_canvas() {
   const ratio = window.devicePixelRatio || 1;
@@ -198,6 +230,7 @@ function fit_canvas() {
 }
 
 function draw(image) {
+  keep_program();
   if (Module._vexil_frame()) {
     const address = Module._vexil_image();
     image.data.set(Module.HEAPU8.subarray(address, address + image.data.length));
@@ -205,7 +238,8 @@ function draw(image) {
     const text = Module.UTF8ToString(Module._vexil_text());
     if (screen_text.textContent !== text) screen_text.textContent = text;
     if (vexil_page.first_ok_ms === null && /^Ok$/m.test(text)) vexil_page.first_ok_ms = performance.now();
-    // A program file that cannot be loaded leaves the console at Ok; the reason shows here.
+    // A program file that cannot be loaded leaves the console at Ok; the reason shows here, as does an
+    // unsaved program brought back.
     const reports = Module.UTF8ToString(Module._vexil_reports()).trim();
     if (reports !== '') status_line.textContent = reports;
   }
@@ -225,9 +259,11 @@ function start() {
   if (location.hash.startsWith('#run=')) {
     FS.writeFile(run_file, decodeURIComponent(location.hash.slice(5)));
     program = run_file;
+  } else {
+    restore_program();
   }
   vexil_page.started_ms = performance.now();
-  if (Module.ccall('vexil_start', 'number', ['string'], [program]) === 0) {
+  if (Module.ccall('vexil_start', 'number', ['string', 'string'], [program, kept_program_file]) === 0) {
     status_line.textContent = 'VEXIL could not start: out of memory.';
     return;
   }
@@ -256,6 +292,8 @@ canvas.addEventListener('drop', event => {
   canvas.classList.remove('dropping');
   if (event.dataTransfer.files.length > 0) open_program(event.dataTransfer.files[0]);
 });
+document.addEventListener('visibilitychange', () => { if (document.visibilityState === 'hidden') keep_program(); });
+window.addEventListener('pagehide', keep_program);
 document.addEventListener('keydown', on_key_down);
 document.addEventListener('paste', on_paste);
 window.addEventListener('resize', fit_canvas);

@@ -19,12 +19,15 @@ std::uint32_t rgba_word(std::uint16_t colour)
 
 c_web_host::c_web_host(const c_options& options) : c_session(options) {}
 
-void c_web_host::open()
+bool c_web_host::open(const std::string& kept_program_file)
 {
-    initialize();
+    if (!initialize())
+        return false;
+    keep_program_in(kept_program_file);
     frame_buffer.assign(static_cast<std::size_t>(engine.screen_width) * engine.screen_height, 0);
     upright.assign(frame_buffer.size(), 0xFF000000u);
     start();
+    return true;
 }
 
 // The flags are taken before drawing, so that what the engine changes meanwhile is drawn next frame.

@@ -16,16 +16,18 @@ class c_web_host : public c_session {
 public:
     explicit c_web_host(const c_options& options);
 
-    // Page thread. Prints the banner and starts the session, which loads and runs the program file
-    // when the options name one.
-    void open();
+    // Page thread. Prints the banner, brings back a program kept in kept_program_file by an earlier
+    // page and keeps the unsaved program there from now on (see c_session::keep_program_in), and
+    // starts the session, which loads and runs the program file when the options name one. False,
+    // with a report, when the engine cannot have its memory.
+    bool open(const std::string& kept_program_file);
     // Draws what changed into the upright image; true when the image and the text were taken anew.
     bool frame();
     const std::uint8_t* image() const { return reinterpret_cast<const std::uint8_t*>(upright.data()); }
     const std::string& text() const { return grid_text; }
     bool ended() const { return run_ended; }
-    // The lines the session reported (a program file that cannot be loaded), each ending in a line
-    // feed; taking them empties the list.
+    // The lines the session reported (a program file that cannot be loaded, an unsaved program brought
+    // back), each ending in a line feed; taking them empties the list.
     std::string take_reports();
 
     void update_screen() override;

@@ -17,9 +17,10 @@ std::string reports;
 
 extern "C" {
 
-// The program file to load and run at start, or an empty name for none. False when the host cannot be
-// made.
-EMSCRIPTEN_KEEPALIVE int vexil_start(const char* program_file)
+// The program file to load and run at start, or an empty name for none; the file in which the session
+// keeps the program while it is not saved, and from which it brings one back. False when the host
+// cannot be made.
+EMSCRIPTEN_KEEPALIVE int vexil_start(const char* program_file, const char* kept_program_file)
 {
     if (p_web_host != nullptr)
         return 1;
@@ -28,8 +29,7 @@ EMSCRIPTEN_KEEPALIVE int vexil_start(const char* program_file)
     p_web_host = new (std::nothrow) c_web_host(options);
     if (p_web_host == nullptr)
         return 0;
-    p_web_host->open();
-    return 1;
+    return p_web_host->open(kept_program_file) ? 1 : 0;
 }
 
 EMSCRIPTEN_KEEPALIVE void vexil_keys(const int* codes, int count)
@@ -58,11 +58,18 @@ EMSCRIPTEN_KEEPALIVE const char* vexil_text()
     return p_web_host->text().c_str();
 }
 
-// The session's reports since the last call (a program file that cannot be loaded), one a line.
+// The session's reports since the last call (a program file that cannot be loaded, an unsaved program
+// brought back), one a line.
 EMSCRIPTEN_KEEPALIVE const char* vexil_reports()
 {
     reports = p_web_host->take_reports();
     return reports.c_str();
+}
+
+// Changes when the kept program file was rewritten or removed.
+EMSCRIPTEN_KEEPALIVE unsigned vexil_kept_program_changes()
+{
+    return p_web_host->kept_program_changes();
 }
 
 EMSCRIPTEN_KEEPALIVE int vexil_ended()

@@ -1,5 +1,5 @@
 // The web page in headless Chromium (Debian's), driven by Playwright: typing, the canvas, paste, the
-// break, files kept across a reload, #run= links. Reads the console through #screen-text.
+// break, files and the unsaved program kept across a reload, #run= links. Reads the console through #screen-text.
 //   node --test tests/web    (after make web; make test-web does both)
 import { after, before, test } from 'node:test';
 import assert from 'node:assert/strict';
@@ -44,8 +44,14 @@ async function screen_shows(page, pattern) {
     pattern.source, wait);
 }
 
+// Each page starts without the unsaved program an earlier test left; a reload of it keeps its own.
 async function open_page(hash = '') {
   const page = await browser.newPage();
+  await page.addInitScript(() => {
+    if (sessionStorage.getItem('opened') !== null) return;
+    sessionStorage.setItem('opened', 'yes');
+    localStorage.removeItem('vexil-unsaved-program');
+  });
   const errors = [];
   page.on('pageerror', error => errors.push(error.message));
   page.errors = errors;
@@ -173,6 +179,24 @@ test('save, a reload and load bring a program back; data files are kept too', as
   await screen_shows(page, /^data line$/);
   await enter(page, 'fropen 3, "open.txt": print finput(3)');
   await screen_shows(page, /^written before exit$/);
+  await page.close();
+});
+
+test('an unsaved program comes back after a reload, until it is saved', async () => {
+  const page = await ready_page();
+  await enter(page, '10 print "unsaved"');
+  await page.waitForFunction(() => /print "unsaved"/.test(localStorage.getItem('vexil-unsaved-program')), null, wait);
+  await page.reload();
+  await page.locator('#status', { hasText: 'not saved in the last session is back' }).waitFor(wait);
+  await enter(page, 'list');
+  await screen_shows(page, /^100 print "unsaved"\nOk$/);
+  // Saved, it is no longer kept apart: the next reload starts empty.
+  await enter(page, 'save "unsaved.bas"');
+  await page.waitForFunction(() => localStorage.getItem('vexil-unsaved-program') === null, null, wait);
+  await page.reload();
+  await enter(page, 'list');
+  await screen_shows(page, /^list\nOk$/);
+  assert.equal(await page.locator('#status').textContent(), '');
   await page.close();
 });
 
