@@ -53,16 +53,6 @@ const operand_case operands[] = {
 };
 constexpr int number_count = 16;
 
-// Binary operators by level, loosest first; power (level 7) groups to the right.
-struct operator_case {
-    const char* source;
-    int level;
-};
-const operator_case binary_operators[] = {
-    {"or", 1}, {"xor", 1}, {"and", 2}, {"=", 3}, {"<>", 3}, {"<", 3},   {">", 3},   {"<=", 3}, {">=", 3},
-    {"+", 4},  {"-", 4},   {"<<", 5},  {">>", 5}, {"*", 6}, {"/", 6},   {"mod", 6}, {"^", 7},
-};
-
 // ---- the reference: the language's rules written out plainly, on 64-bit and std::string ----
 
 int wrap(long long v) { return static_cast<int>(static_cast<unsigned>(static_cast<unsigned long long>(v))); }
@@ -78,96 +68,85 @@ int to_integer(const ref_value& v)
 
 double to_real(const ref_value& v) { return v.type == type_integer ? v.integer : v.type == type_real ? v.real : 0.0; }
 
+// a to the b modulo 2 to the 32, by squaring; a negative exponent gives 0.
+long long power(long long a, long long b)
+{
+    unsigned result = 1;
+    for (unsigned base = static_cast<unsigned>(a), e = static_cast<unsigned>(b); b >= 0 && e != 0; e >>= 1, base *= base)
+        result *= (e & 1u) ? base : 1u;
+    return b < 0 ? 0 : static_cast<int>(result);
+}
+
+bool shift_too_far(long long b) { return b > 31 || (b & 0xFF) > 31; }
+double truth(bool b) { return b ? -1.0 : 0.0; }
+
+// Binary operators by level, loosest first; power (level 7) groups to the right. A comparison (level 3)
+// compares as reals and gives an integer; an operator without a real step fails on reals with real_error.
+using integer_step = long long (*)(long long, long long);
+using real_step = double (*)(double, double);
+struct operator_case {
+    const char* source;
+    int level;
+    integer_step on_integers;
+    real_step on_reals;
+    int real_error;
+};
+const operator_case binary_operators[] = {
+    {"or", 1, [](long long a, long long b) { return a | b; }, nullptr, error_syntax},
+    {"xor", 1, [](long long a, long long b) { return a ^ b; }, nullptr, error_syntax},
+    {"and", 2, [](long long a, long long b) { return a & b; }, nullptr, error_syntax},
+    {"=", 3, nullptr, [](double a, double b) { return truth(a == b); }, 0},
+    {"<>", 3, nullptr, [](double a, double b) { return truth(!(a == b)); }, 0},
+    {"<", 3, nullptr, [](double a, double b) { return truth(a < b); }, 0},
+    {">", 3, nullptr, [](double a, double b) { return truth(a > b); }, 0},
+    {"<=", 3, nullptr, [](double a, double b) { return truth(a <= b); }, 0},
+    {">=", 3, nullptr, [](double a, double b) { return truth(a >= b); }, 0},
+    {"+", 4, [](long long a, long long b) { return a + b; }, [](double a, double b) { return a + b; }, 0},
+    {"-", 4, [](long long a, long long b) { return a - b; }, [](double a, double b) { return a - b; }, 0},
+    {"<<", 5, [](long long a, long long b) { return shift_too_far(b) ? 0 : a << (b & 0xFF); }, nullptr, error_syntax},
+    {">>", 5, [](long long a, long long b) { return shift_too_far(b) ? (a < 0 ? -1 : 0) : a >> (b & 0xFF); }, nullptr,
+     error_syntax},
+    {"*", 6, [](long long a, long long b) { return a * b; }, [](double a, double b) { return a * b; }, 0},
+    {"/", 6, [](long long a, long long b) { return a / b; }, [](double a, double b) { return a / b; }, 0},
+    {"mod", 6, [](long long a, long long b) { return a % b; }, nullptr, error_type_mismatch},
+    {"^", 7, power, [](double a, double b) { return std::pow(a, b); }, 0},
+};
+
+const operator_case* find_operator(const std::string& token)
+{
+    for (const auto& op : binary_operators)
+        if (token == op.source)
+            return &op;
+    return nullptr;
+}
+
 int text_of(const ref_value& v, std::string& out)
 {
     char buffer[400];
-    if (v.type == type_real) {
-        int n = std::snprintf(buffer, sizeof buffer, "%f", v.real);
-        if (n > string_capacity)
-            return error_string_space;
-        out = buffer;
-    } else if (v.type == type_string) {
-        out = v.text;
-    } else {
-        out = std::to_string(to_integer(v));
-    }
+    if (v.type == type_real && std::snprintf(buffer, sizeof buffer, "%f", v.real) > string_capacity)
+        return error_string_space;
+    out = v.type == type_real ? buffer : v.type == type_string ? v.text : std::to_string(to_integer(v));
     return 0;
 }
 
+// The left operand takes the wider type of the two; a real never becomes a string.
 int promote(ref_value& left, int wanted)
 {
     if (wanted <= left.type)
         return 0;
-    if (wanted == type_integer)
-        left = make_integer(0);
-    else if (wanted == type_real)
-        left = make_real(to_real(left));
-    else if (left.type == type_real)
+    if (wanted == type_string && left.type == type_real)
         return error_type_mismatch;
-    else
-        left = make_string(left.type == type_none ? "" : std::to_string(left.integer));
+    left = wanted == type_integer ? make_integer(0) : wanted == type_real ? make_real(to_real(left))
+         : make_string(left.type == type_none ? "" : std::to_string(left.integer));
     return 0;
 }
 
-// a to the b modulo 2 to the 32, by squaring; a negative exponent gives 0.
-long long power(long long a, long long b)
-{
-    if (b < 0)
-        return 0;
-    unsigned result = 1;
-    for (unsigned base = static_cast<unsigned>(a), e = static_cast<unsigned>(b); e != 0; e >>= 1, base *= base)
-        if (e & 1u)
-            result *= base;
-    return static_cast<int>(result);
-}
-
-int integer_operation(const std::string& op, long long a, long long b, int& result)
-{
-    if ((op == "/" || op == "mod") && b == 0)
-        return error_division_by_zero;
-    long long r = 0;
-    if (op == "+") r = a + b;
-    else if (op == "-") r = a - b;
-    else if (op == "*") r = a * b;
-    else if (op == "/") r = a / b;
-    else if (op == "mod") r = a % b;
-    else if (op == "and") r = a & b;
-    else if (op == "or") r = a | b;
-    else if (op == "xor") r = a ^ b;
-    else if (op == "<<") r = (b > 31 || (b & 0xFF) > 31) ? 0 : a << (b & 0xFF);
-    else if (op == ">>") r = (b > 31 || (b & 0xFF) > 31) ? (a < 0 ? -1 : 0) : a >> (b & 0xFF);
-    else if (op == "^")
-        r = power(a, b);
-    result = wrap(r);
-    return 0;
-}
-
-int real_operation(const std::string& op, double a, double b, double& result)
-{
-    if (op == "+") result = a + b;
-    else if (op == "-") result = a - b;
-    else if (op == "*") result = a * b;
-    else if (op == "/") { if (b == 0.0) return error_division_by_zero; result = a / b; }
-    else if (op == "^") result = std::pow(a, b);
-    else if (op == "mod") return error_type_mismatch;
-    else return error_syntax;
-    return 0;
-}
-
-int compare(const std::string& op, double a, double b)
-{
-    bool r = op == "=" ? a == b : op == "<>" ? !(a == b) : op == "<" ? a < b : op == ">" ? a > b : op == "<=" ? a <= b : a >= b;
-    return r ? -1 : 0;
-}
-
-bool is_comparison(const std::string& op) { return op == "=" || op == "<>" || op == "<" || op == ">" || op == "<=" || op == ">="; }
-
-// One operator on left (already promoted); on an error left is unchanged.
-int apply(ref_value& left, const std::string& op, const ref_value& right)
+// One operator on left; on an error left is only promoted.
+int apply(ref_value& left, const operator_case& op, const ref_value& right)
 {
     if (int code = promote(left, right.type); code != 0)
         return code;
-    if (left.type == type_none || (left.type == type_string && op != "+"))
+    if (left.type == type_none || (left.type == type_string && op.source != std::string("+")))
         return error_syntax;
     if (left.type == type_string) {
         std::string tail;
@@ -176,16 +155,18 @@ int apply(ref_value& left, const std::string& op, const ref_value& right)
         if (left.text.size() + tail.size() > string_capacity)
             return error_string_space;
         left.text += tail;
-        return 0;
+    } else if (op.level == 3) {
+        left = make_integer(static_cast<int>(op.on_reals(to_real(left), to_real(right))));
+    } else if (left.type == type_real && op.on_reals == nullptr) {
+        return op.real_error;
+    } else if ((op.source == std::string("/") || op.source == std::string("mod")) && to_real(right) == 0.0) {
+        return error_division_by_zero;
+    } else if (left.type == type_integer) {
+        left.integer = wrap(op.on_integers(left.integer, to_integer(right)));
+    } else {
+        left.real = op.on_reals(left.real, to_real(right));
     }
-    if (is_comparison(op)) {
-        int truth = left.type == type_integer ? compare(op, left.integer, to_integer(right)) : compare(op, left.real, to_real(right));
-        left = make_integer(truth);
-        return 0;
-    }
-    if (left.type == type_integer)
-        return integer_operation(op, left.integer, to_integer(right), left.integer);
-    return real_operation(op, left.real, to_real(right), left.real);
+    return 0;
 }
 
 // Tokens as the generator wrote them; the reference evaluates the same list by the levels.
@@ -199,31 +180,20 @@ public:
 private:
     std::string peek() const { return position < tokens.size() ? tokens[position] : ""; }
 
-    int level_of(const std::string& token) const
-    {
-        for (const auto& op : binary_operators)
-            if (token == op.source)
-                return op.level;
-        return 0;
-    }
-
     int level(ref_value& v, int n)
     {
         if (n == 8)
             return term(v);
-        if (int code = level(v, n == 7 ? 8 : n + 1); code != 0)
-            return code;
-        while (level_of(peek()) == n) {
-            std::string op = tokens[position++];
+        int code = level(v, n == 7 ? 8 : n + 1);
+        for (const operator_case* op; code == 0 && (op = find_operator(peek())) != nullptr && op->level == n;) {
+            ++position;
             ref_value right;
-            if (int code = level(right, n == 7 ? 7 : n + 1); code != 0)
-                return code;
-            if (int code = apply(v, op, right); code != 0)
-                return code;
+            code = level(right, n == 7 ? 7 : n + 1);
+            code = code != 0 ? code : apply(v, *op, right);
             if (n == 7)
                 break;
         }
-        return 0;
+        return code;
     }
 
     int term(ref_value& v)
@@ -233,8 +203,7 @@ private:
             ++position;
             if (int code = term(v); code != 0)
                 return code;
-            bool number = v.type == type_integer || v.type == type_real;
-            if (!number || (token == "not" && v.type == type_real))
+            if (v.type == type_none || v.type == type_string || (token == "not" && v.type == type_real))
                 return error_syntax;
             if (token == "not")
                 v.integer = ~v.integer;
@@ -246,22 +215,16 @@ private:
         }
         if (token == "(") {
             ++position;
-            ref_value inner = v;
-            if (int code = level(inner, 1); code != 0) {
-                v = inner;
-                return code;
-            }
-            v = inner;
-            if (peek() != ")")
+            int code = level(v, 1);
+            if (code == 0 && peek() != ")")
                 return error_right_bracket;
-            ++position;
-            return 0;
+            position += code == 0 ? 1 : 0;
+            return code;
         }
         for (const auto& operand : operands)
             if (token == operand.source) {
                 ++position;
-                if (token != "()")
-                    v = operand.value;
+                v = token == "()" ? v : operand.value;
                 return 0;
             }
         return 0;  // no operand: nothing taken, v unchanged
