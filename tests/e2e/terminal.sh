@@ -1,11 +1,6 @@
 #!/usr/bin/env bash
 # The terminal host in a detached tmux session of 100 x 30: keys typed into the pane, the pane's text
-# read back. Checks an answer and its Ok, the grid as wide as the terminal, the editing keys, Control+C
-# breaking an endless line and a long sleep without ending the session, and that after `exit` the
-# session is over and the terminal is back in its normal mode; and that --png still writes the image at
-# the end. Then that typed UTF-8 is one "?" for each character the console cannot show; that SIGHUP
-# keeps a program that was not saved in a new vexil-recovered file; that a terminal that cannot move the
-# cursor is refused by --terminal and left to the headless face by the automatic choice.
+# read back; then a session closed by SIGHUP, and a terminal that cannot move the cursor.
 # usage: terminal.sh VEXIL   (status 77: skipped, for want of tmux)
 set -uo pipefail
 
