@@ -179,30 +179,23 @@ TEST(line_number_check, reads_up_to_five_digits)
     }
 }
 
-TEST(line_number_check, a_numbered_line_returns_its_number_which_stays_for_a_line_without_one)
+// A blank line returns -1 and changes nothing: not the code, the source or the error code.
+TEST(line_number_check, a_numbered_line_returns_its_number_which_stays_for_a_line_without_one_or_a_blank_one)
 {
     workspace w;
     const char* numbered = "10 i=-5";
     ASSERT_EQ(w.parser.check_line_no(numbered), 10);
     EXPECT_EQ(w.parser.precompile(numbered, nullptr), 10);
-    EXPECT_EQ(w.code(), expand(w.manager, "3 @i 34 29 0 #5 12"));
-    EXPECT_STREQ(w.parser.source, "i=-5");
     const char* plain = "print 1";
     EXPECT_EQ(w.parser.check_line_no(plain), 10);
     const char* alone = "20";
     ASSERT_EQ(w.parser.check_line_no(alone), 20);
-    EXPECT_EQ(w.parser.precompile(alone, nullptr), -1);  // a blank line
-}
-
-TEST(tokenizer_blank_lines, return_minus_one_and_change_nothing)
-{
-    workspace w;
-    ASSERT_EQ(w.parser.precompile("print 1", nullptr), 0);
     w.resource.error_code = error_type_mismatch;
+    EXPECT_EQ(w.parser.precompile(alone, nullptr), -1);
     EXPECT_EQ(w.parser.precompile(" \t ", nullptr), -1);
     EXPECT_EQ(w.resource.error_code, error_type_mismatch);
-    EXPECT_EQ(w.code(), expand(w.manager, "10 #2 0 #1 12"));
-    EXPECT_STREQ(w.parser.source, "print 1");
+    EXPECT_EQ(w.code(), expand(w.manager, "3 @i 34 29 0 #5 12"));
+    EXPECT_STREQ(w.parser.source, "i=-5");
 }
 
 TEST(tokenizer_labels, definitions_at_a_statement_start_bind_to_the_record_and_the_latest_wins)
