@@ -14,10 +14,8 @@
 #include <vector>
 
 #include "engine/error.h"
-#include "engine/system_resource.h"
 #include "language/parser.h"
-#include "runtime/interpreter.h"
-#include "runtime/variable.h"
+#include "support/test_console.h"
 
 namespace {
 
@@ -278,24 +276,13 @@ bool same(const c_value& value, const ref_value& expected)
 
 TEST(evaluator_differential, agrees_with_the_reference_on_random_expressions)
 {
-    c_system_resource resource;
-    c_variable_manager variables;
-    c_interpreter interpreter;
-    resource.p_variable_manager = &variables;
-    resource.p_interpreter = &interpreter;
-    interpreter.p_system_resource = &resource;
-    c_parser holder(&resource);  // keeps the variables alive with their values
-    ASSERT_EQ(holder.precompile("iv rv sv sl ia(0)", nullptr), 0);
-    auto find = [&](c_variable& list, const char* name) { return variables.search(list.next, name); };
-    static_cast<c_variable_integer*>(find(variables.variable_list, "iv"))->value = -9;
-    static_cast<c_variable_real*>(find(variables.variable_list, "rv"))->value = -1.75;
-    static_cast<c_variable_string*>(find(variables.variable_list, "sv"))->set("s", 1);
-    static_cast<c_variable_string*>(find(variables.variable_list, "sl"))->set(long_text.data(), 200);
-    auto* array = static_cast<c_variable_integer_array*>(find(variables.array_list, "ia"));
-    const int bound = 10;
-    ASSERT_EQ(array->dim(1, &bound), 0);
-    for (int index = 0; index <= bound; ++index)
-        ASSERT_EQ(array->set(1, &index, array_values[index]), 0);
+    // The stored lines keep the variables alive with their values; -7/4.0 is exactly the reference's -1.75.
+    test_console console;
+    std::string program = "10 iv=-9: rv=-7/4.0: sv=\"s\": sl=\"\": for i=1 to 200: sl=sl+\"x\": next\n20 dim ia(10)";
+    for (int index = 0; index <= 10; ++index)
+        program += ": ia(" + std::to_string(index) + ")=" + std::to_string(array_values[index]);
+    ASSERT_EQ(console.output(program + "\nrun"), "Ok\n");
+    c_system_resource& resource = *console.resource();
 
     std::mt19937 random(13);
     int failures = 0;
@@ -334,5 +321,4 @@ TEST(evaluator_differential, agrees_with_the_reference_on_random_expressions)
         failures += agree ? 0 : 1;
         parser.variable_release();
     }
-    holder.variable_release();
 }
