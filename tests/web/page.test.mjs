@@ -73,15 +73,6 @@ async function enter(page, ...lines) {
   }
 }
 
-test('the page shows the banner and Ok, and the load time', async t => {
-  const page = await ready_page();
-  assert.match(await screen(page), /^VEXIL v0\.0\.7\n.*\nOk\n/);
-  assert.equal(await page.evaluate(() => crossOriginIsolated), true);
-  t.diagnostic(`load to Ok: ${Math.round(await page.evaluate(() => vexil_page.first_ok_ms))} ms`);
-  assert.deepEqual(page.errors, []);
-  await page.close();
-});
-
 test('keys typed while the engine still loads are kept', async () => {
   const page = await browser.newPage();
   let release_engine;
@@ -94,8 +85,11 @@ test('keys typed while the engine still loads are kept', async () => {
   await page.close();
 });
 
-test('a typed program runs and its output appears in #screen-text', async () => {
+test('the page shows the banner and Ok, then a typed program runs into #screen-text', async t => {
   const page = await ready_page();
+  assert.match(await screen(page), /^VEXIL v0\.0\.7\n.*\nOk\n/);
+  assert.equal(await page.evaluate(() => crossOriginIsolated), true);
+  t.diagnostic(`load to Ok: ${Math.round(await page.evaluate(() => vexil_page.first_ok_ms))} ms`);
   await enter(page, '10 for i=1 to 3', '20 print "row " + i*i', '30 next', 'run');
   await screen_shows(page, /^row 9\nOk$/);
   assert.match(await screen(page), /^row 1\nrow 4\nrow 9\nOk\n/m);
@@ -104,6 +98,7 @@ test('a typed program runs and its output appears in #screen-text', async () => 
   for (const key of ['ArrowLeft', 'ArrowLeft', 'Delete', 'Backspace', 'Enter'])
     await page.keyboard.press(key);
   await screen_shows(page, /^print 14\n14\nOk$/);
+  assert.deepEqual(page.errors, []);
   await page.close();
 });
 
@@ -200,20 +195,15 @@ test('an unsaved program comes back after a reload, until it is saved', async ()
   await page.close();
 });
 
-test('a program from the file picker is kept and loaded', async () => {
+test('a .bas file from the file picker and one dropped are loaded; copy link makes a #run= link that runs it', async () => {
   const page = await ready_page();
+  await browser.grantPermissions(['clipboard-read', 'clipboard-write']);
   await page.click('#menu-button');
   await page.setInputFiles('#file-picker',
     { name: 'my picked.bas', mimeType: 'text/plain', buffer: Buffer.from('print "picked"\r\nend\r\n') });
   await screen_shows(page, /^load "mypicked\.bas"\nOk$/);
   await enter(page, 'run');
   await screen_shows(page, /^picked\nOk$/);
-  await page.close();
-});
-
-test('a .bas file dropped on the screen is loaded; copy link makes a #run= link that runs it', async () => {
-  const page = await ready_page();
-  await browser.grantPermissions(['clipboard-read', 'clipboard-write']);
   await page.evaluate(() => {
     const data = new DataTransfer();
     data.items.add(new File(['print "dropped " + 3*3\n'], 'drop.bas', { type: 'text/plain' }));
