@@ -134,7 +134,7 @@ TEST(program_output, writes_characters_and_performs_control_codes)
     }
 }
 
-TEST(program_output, toggles_insertion_with_code_18_and_ignores_codes_above_255_with_bits_5_to_7_clear)
+TEST(program_output, toggles_insertion_with_code_18_ignores_codes_above_255_with_bits_5_to_7_clear_and_clears_to_white)
 {
     test_console console;
     print(console, "ab\x12");
@@ -145,12 +145,7 @@ TEST(program_output, toggles_insertion_with_code_18_and_ignores_codes_above_255_
     EXPECT_EQ(console.row(0), "ab");
     print(console, "\x12");
     EXPECT_TRUE(console.engine.text_editor.insert_mode);
-}
-
-TEST(program_output, clears_to_white_empty_cells_whatever_the_text_colour)
-{
-    test_console console;
-    console.engine.text_editor.text_color = 0x07E00000;
+    console.engine.text_editor.text_color = 0x07E00000;  // code 12 clears to white empty cells all the same
     print(console, "ab\x0C");
     EXPECT_EQ(console.engine.cell(0, 0) & ~cell_cursor, cell_cleared);
     EXPECT_EQ(console.engine.cell(5, 5), cell_cleared);
