@@ -77,7 +77,7 @@ TEST(engine_start, runs_a_program_named_plainly_or_in_quotes_and_drops_one_it_ca
     }
 }
 
-TEST(key_loop, hands_queued_keys_to_the_editor_and_sleeps_when_idle)
+TEST(key_loop, hands_queued_keys_to_the_editor_and_sleeps_when_idle_where_a_break_shows_nothing)
 {
     test_console console;
     console.queue(std::string("a\0b", 3));  // the 0 is stored, then taken as no key at all
@@ -86,14 +86,9 @@ TEST(key_loop, hands_queued_keys_to_the_editor_and_sleeps_when_idle)
     EXPECT_EQ(console.host.slept_ms, 10u);
     console.start(nullptr);
     EXPECT_EQ(console.row(0), "ab");
-}
-
-TEST(break_key, while_idle_shows_nothing_and_is_reset_by_the_next_line)
-{
-    test_console console;
-    console.engine.force_break();
+    console.engine.force_break();  // while idle: shows nothing and the next line resets it
     EXPECT_EQ(console.resource()->error_code, error_break);
-    console.queue("print 7\r");
+    console.queue(static_cast<char>(key_down) + std::string("print 7\r"));
     console.start(nullptr);
-    EXPECT_EQ(console.screen(), "print 7\n7\nOk\n");
+    EXPECT_EQ(console.screen(), "ab\n  print 7\n7\nOk\n");
 }
