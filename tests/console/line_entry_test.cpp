@@ -1,37 +1,13 @@
-// Enter on lines without a number: the line runs, its output starts on the next row, and "Ok" or the
-// error report follows; the observation hooks tell a transcript where the lines break.
+// Enter on lines without a number at the grid's end and while keys wait, and the observation hooks that
+// tell a transcript where the lines break. Plain immediate lines are the text editor test's key sessions.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "console/text_editor.h"
-#include "engine/error.h"
 #include "support/test_console.h"
 
 namespace {
-
-// Lines typed, each ended by "\r", into a cleared console: the screen they leave, the row the cursor
-// ends on at column 0, and the error reported.
-struct immediate_case {
-    std::string keys;
-    std::string screen;
-    int cursor_y, error;
-};
-
-const std::string stars(76, '*');
-
-const immediate_case immediate_cases[] = {
-    {"print 1\r", "print 1\n1\nOk\n", 3, 0},
-    {"print \"" + stars + "\"\r", "print \"" + stars.substr(0, 73) + "\n***\"\n" + stars + "\nOk\n", 4, 0},  // from a continuation row
-    {"print \"ab\";\r", "print \"ab\";\nab\nOk\n", 3, 0},  // Ok on the next row
-    {"next\r", "next\nNEXT without FOR.\nOk\n", 3, error_next_without_for},
-    {"x=1\r", "x=1\nSyntax error.\nOk\n", 3, error_syntax},
-    {"print 1/0\r", "print 1/0\n1\nDivision by zero.\nOk\n", 4, error_division_by_zero},  // below what was printed
-    {"cls: next\r", "NEXT without FOR.\nOk\n", 2, error_next_without_for},
-    {"10 next\rrun\r", "10 next\nrun\nNEXT without FOR at 10.\nOk\n", 4, error_next_without_for},
-    // A label in an immediate line is gone once the line has run.
-    {"10 goto $here\r$here: print 1\rrun\r", "10 goto $here\n$here: print 1\n1\nOk\nrun\nInvalid label at 10.\nOk\n", 7, error_invalid_label},
-};
 
 // A host that writes the console as a transcript: line breaks are held back until the next character,
 // so a step back cancels a break that has not been written yet.
@@ -48,20 +24,6 @@ struct transcript_host : c_test_host {
 };
 
 }  // namespace
-
-TEST(immediate_line, runs_on_enter_and_shows_its_output_then_ok_or_the_error_below_it)
-{
-    for (const immediate_case& c : immediate_cases) {
-        test_console console;
-        console.type(c.keys);
-        EXPECT_EQ(console.screen(), c.screen) << c.keys;
-        EXPECT_EQ(console.cursor_x(), 0) << c.keys;
-        EXPECT_EQ(console.cursor_y(), c.cursor_y) << c.keys;
-        EXPECT_EQ(console.host.last_error, c.error) << c.keys;
-        EXPECT_TRUE(console.engine.text_editor.input_mode) << c.keys;
-        EXPECT_TRUE(console.engine.text_editor.cursor_visible) << c.keys;
-    }
-}
 
 // The line fills the last row, so the cell that ends it is the one past the grid; each row of output and
 // the report below it scroll the grid once more, in order.

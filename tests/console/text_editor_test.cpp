@@ -18,12 +18,16 @@ std::string keys(int code, int times = 1)
 
 const std::string a78(78, 'a'), a79(79, 'a'), a80(80, 'a');
 
-// Keys typed into a cleared 80 x 30 console, the screen they leave and where the cursor ends.
+// Keys typed into a cleared 80 x 30 console, the screen they leave, where the cursor ends and the error
+// an immediate line reports.
 struct key_session {
     std::string keys;
     std::string screen;
     int cursor_x, cursor_y;
+    int error = 0;
 };
+
+const std::string stars(76, '*');
 
 const key_session key_sessions[] = {
     // A logical line runs on across the row end, and insertion pushes it over the row end.
@@ -48,6 +52,18 @@ const key_session key_sessions[] = {
     // Enter on an empty row moves down, and on the last row scrolls.
     {keys(key_down) + "keep" + keys(key_down) + keys(key_enter), "\nkeep\n", 0, 3},
     {keys(key_down) + "keep" + keys(key_down, 28) + keys(key_enter), "keep\n", 0, 29},
+    // An immediate line runs on Enter: its output from the next row, then Ok or the report below it.
+    {"print 1\r", "print 1\n1\nOk\n", 0, 3},
+    {"print \"" + stars + "\"\r", "print \"" + stars.substr(0, 73) + "\n***\"\n" + stars + "\nOk\n", 0, 4},  // from a continuation row
+    {"print \"ab\";\r", "print \"ab\";\nab\nOk\n", 0, 3},  // Ok on the next row
+    {"next\r", "next\nNEXT without FOR.\nOk\n", 0, 3, error_next_without_for},
+    {"x=1\r", "x=1\nSyntax error.\nOk\n", 0, 3, error_syntax},
+    {"print 1/0\r", "print 1/0\n1\nDivision by zero.\nOk\n", 0, 4, error_division_by_zero},  // below what was printed
+    {"cls: next\r", "NEXT without FOR.\nOk\n", 0, 2, error_next_without_for},
+    {"10 next\rrun\r", "10 next\nrun\nNEXT without FOR at 10.\nOk\n", 0, 4, error_next_without_for},
+    // A label in an immediate line is gone once the line has run.
+    {"10 goto $here\r$here: print 1\rrun\r", "10 goto $here\n$here: print 1\n1\nOk\nrun\nInvalid label at 10.\nOk\n", 0, 7,
+     error_invalid_label},
 };
 
 // Text a program writes from a cursor placed with locate: characters overwrite, "\r" moves straight down.
@@ -115,6 +131,9 @@ TEST(line_editing, keys_leave_the_screen_the_cursor_and_its_mark_where_a_user_ex
         EXPECT_EQ(console.screen(), session.screen) << session.keys;
         EXPECT_EQ(console.cursor_x(), session.cursor_x) << session.keys;
         EXPECT_EQ(console.cursor_y(), session.cursor_y) << session.keys;
+        EXPECT_EQ(console.host.last_error, session.error) << session.keys;
+        EXPECT_TRUE(console.engine.text_editor.input_mode) << session.keys;
+        EXPECT_TRUE(console.engine.text_editor.cursor_visible) << session.keys;
         for (int i = 0; i < 80 * 30; ++i) {
             const bool under_cursor = i == session.cursor_y * 80 + session.cursor_x;
             EXPECT_EQ((console.engine.text_layer.load(i) & cell_cursor) != 0, under_cursor) << session.keys << " " << i;
