@@ -4,6 +4,7 @@
 // "Out of memory" there: a line, an array or a variable is never lost without a word.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -71,15 +72,6 @@ c_session_run run_session(
     return result;
 }
 
-// The step during which the call was made.
-std::size_t step_of(const c_session_run& clean, long long call)
-{
-    std::size_t step = 0;
-    while (clean.calls[step] < call)
-        ++step;
-    return step;
-}
-
 }  // namespace
 
 TEST(allocation_plan, fails_the_named_call_alone_or_with_every_later_one)
@@ -114,7 +106,8 @@ TEST(allocation_failure, every_failing_allocation_of_a_session_is_reported_at_it
     for (long long call = 1; call <= total; ++call) {
         for (bool and_every_later : {false, true}) {
             const c_session_run failed = run_session(steps, program, call, and_every_later);
-            const std::size_t step = step_of(clean, call);
+            // The step during which the call was made.
+            const std::size_t step = std::lower_bound(clean.calls.begin(), clean.calls.end(), call) - clean.calls.begin();
             const std::string what = "call " + std::to_string(call) + (and_every_later ? " on" : " alone");
             ++runs;
             if (step == 0) {  // the start: the host reports it, the engine has no console
