@@ -11,10 +11,7 @@
 
 namespace {
 
-std::string keys(int code, int times = 1)
-{
-    return std::string(times, static_cast<char>(code));
-}
+std::string keys(int code, int times = 1) { return std::string(times, static_cast<char>(code)); }
 
 const std::string a78(78, 'a'), a79(79, 'a'), a80(80, 'a');
 
@@ -106,10 +103,7 @@ struct entry_case {
     int cursor_y, error;
 };
 
-std::string quoted(int length)
-{
-    return "s=\"" + std::string(length, 'x') + "\"";
-}
+std::string quoted(int length) { return "s=\"" + std::string(length, 'x') + "\""; }
 
 const entry_case entries[] = {
     {"10 i=1\r", 10, "i=1", 1, 0},

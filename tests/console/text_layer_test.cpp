@@ -30,10 +30,9 @@ struct small_screen {
     // Every frame-buffer pixel, addressed as on the screen, against `expected(x, y)`.
     template <class expectation> void expect_frame(expectation expected) const
     {
-        for (int x = 0; x < text.width; ++x) {
+        for (int x = 0; x < text.width; ++x)
             for (int y = 0; y < text.height; ++y)
                 ASSERT_EQ(frame[x * text.pitch + (text.height - 1 - y)], expected(x, y)) << x << "," << y;
-        }
     }
     // Characters of the grid as text, "_" for an empty cell, rows separated by "|".
     std::string grid() const
@@ -48,10 +47,9 @@ struct small_screen {
     std::vector<int> changed() const
     {
         std::vector<int> indexes;
-        for (int i = 0; i <= text.cell_count(); ++i) {
+        for (int i = 0; i <= text.cell_count(); ++i)
             if ((text.load(i) & cell_changed) != 0)
                 indexes.push_back(i);
-        }
         return indexes;
     }
 
@@ -60,10 +58,7 @@ struct small_screen {
     std::vector<std::uint16_t> frame;
 };
 
-bool glyph_bit(int code, int column, int row)
-{
-    return ((glyph_column(code, column) >> (15 - row)) & 1) != 0;
-}
+bool glyph_bit(int code, int column, int row) { return ((glyph_column(code, column) >> (15 - row)) & 1) != 0; }
 
 }  // namespace
 
@@ -164,10 +159,9 @@ TEST(grid_edits, move_cells_and_mark_only_the_cells_whose_value_changed)
             small_screen screen;
             for (int turn = 0; turn < turns; ++turn)
                 screen.text.scroll_up();
-            for (int i = 0, c = 0; edit.before[c] != '\0'; ++c) {
+            for (int i = 0, c = 0; edit.before[c] != '\0'; ++c)
                 if (edit.before[c] != '|')
                     screen.text.store(i++, 0xFFFF0000 | (edit.before[c] == '_' ? 0 : edit.before[c]));
-            }
             screen.text.store(12, 0xFFFF0000);
             const bool scrolled = edit.operation == 'i' && screen.text.insert(edit.x, edit.y, 0xFFFF0000 | 'X');
             if (edit.operation == 's')
@@ -218,7 +212,6 @@ TEST(grid_edits, many_scrolls_leave_the_cells_marks_and_updated_frame_of_a_grid_
     }
 }
 
-// A scrolled-in row is blanked in white: the many-scrolls test above compares it with cleared cells.
 TEST(grid_edits, keep_each_cells_colour_when_an_insertion_fills_a_gap_with_spaces)
 {
     small_screen screen;

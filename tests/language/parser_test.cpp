@@ -32,8 +32,7 @@ struct workspace {
 };
 
 // Expected code written as words: a plain number is one byte, "#n" a 4-byte integer, "~x" an
-// 8-byte real, "@name" the id of the variable that the kind byte before
-// it names.
+// 8-byte real, "@name" the id of the variable that the kind byte before it names.
 std::vector<unsigned char> expand(c_variable_manager& manager, const std::string& pattern)
 {
     std::vector<unsigned char> bytes;
